@@ -65,12 +65,9 @@ struct IntTypeTraitsBase
     {
         char buf[32];
         if(std::numeric_limits<T>::is_signed)
-            snprintf(buf, sizeof(buf), sizeof(T) == 8 ? "%lli" : "%i",
-                     sizeof(T) == 8 ? (long long)val : (long long)(int)val);
+            snprintf(buf, sizeof(buf), "%lli", (long long)val);
         else
-            snprintf(buf, sizeof(buf), sizeof(T) == 8 ? "%llu" : "%u",
-                     sizeof(T) == 8 ? (unsigned long long)val
-                                    : (unsigned long long)(unsigned)val);
+            snprintf(buf, sizeof(buf), "%llu", (unsigned long long)val);
         return buf;
     }
 };

@@ -1,0 +1,36 @@
+/// A node core that only groups its node's children.
+#ifndef _OSGGROUP_H_
+#define _OSGGROUP_H_
+
+#include <OpenSG/OSGGroupBase.h>
+
+OSG_BEGIN_NAMESPACE
+
+class Group : public GroupBase
+{
+  private:
+    typedef GroupBase Inherited;
+
+  public:
+    virtual void changed(BitVector whichField, UInt32 origin);
+    virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
+
+  protected:
+    Group(void);
+    Group(const Group &source);
+    virtual ~Group(void);
+
+  private:
+    friend class FieldContainer;
+    friend class GroupBase;
+
+    static void initMethod(void);
+
+    void operator=(const Group &source);
+};
+
+typedef Group *GroupP;
+
+OSG_END_NAMESPACE
+
+#endif
