@@ -151,7 +151,7 @@ bool readHeader(png_structp png, png_infop info, HeaderInfo *header)
     return true;
 }
 
-bool readRows(png_structp png, png_infop info, png_bytepp rows)
+bool readRows(png_structp png, png_bytepp rows)
 {
     if(setjmp(png_jmpbuf(png)))
         return false;
@@ -286,7 +286,7 @@ bool readPNG(std::istream &in, PNGPixels &out)
             rows[i] = out.data.data() +
                       size_t(header.height - 1 - i) * size_t(rowBytes);
 
-        ok = readRows(png, info, rows.data());
+        ok = readRows(png, rows.data());
     }
 
     png_destroy_read_struct(&png, &info, nullptr);

@@ -97,13 +97,15 @@ class HeadlessGLContext
     /// case), false when it needed a pbuffer to become current.
     bool isSurfaceless(void) const;
 
-    /// Whether a context can be created on this machine at all. Probes once
-    /// per process; the calling thread's current context is left as it was.
+    /// Whether EGL gives a desktop OpenGL context on this machine at all.
+    /// Probes once per process; the calling thread's current context is left
+    /// as it was.
     static bool isAvailable(void);
 
   private:
     struct FramebufferFuncs;
 
+    bool open(UInt32 width, UInt32 height, bool framebuffer);
     bool createContext(void *display);
     bool createFramebuffer(void);
     bool allocateStorage(UInt32 width, UInt32 height);
