@@ -7,6 +7,7 @@ PACKAGES=(
   libgtest-dev libbenchmark-dev
   libegl-dev libgl-dev libglu1-mesa-dev libegl-mesa0 libgl1-mesa-dri
   libpng-dev zlib1g-dev
+  libstb-dev libsquish-dev
 )
 
 missing=()

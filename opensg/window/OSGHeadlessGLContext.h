@@ -33,7 +33,7 @@ class HeadlessGLContext
     HeadlessGLContext &operator=(const HeadlessGLContext &) = delete;
 
     /// Opens an EGL display, creates a compatibility-profile desktop GL
-    /// context and a framebuffer of width x height (both at least 1).
+    /// context and a framebuffer of width x height (a 0 counts as 1).
     /// On success the context is current on the calling thread, the
     /// framebuffer is bound for drawing and reading and the viewport covers
     /// it. Platform order: an EGL device that is not a software renderer,
@@ -57,7 +57,8 @@ class HeadlessGLContext
     /// There is nothing to present; finishes the frame (glFinish).
     void swap(void);
 
-    /// Reallocates the framebuffer's storage (contents become undefined).
+    /// Reallocates the framebuffer's storage (contents become undefined; a
+    /// 0 counts as 1).
     /// The context must be current. The binding and the viewport are not
     /// changed.
     bool resize(UInt32 width, UInt32 height);
