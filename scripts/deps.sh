@@ -8,6 +8,7 @@ PACKAGES=(
   libegl-dev libgl-dev libglu1-mesa-dev libegl-mesa0 libgl1-mesa-dri
   libpng-dev zlib1g-dev
   libstb-dev libsquish-dev
+  clang libclang-rt-14-dev
 )
 
 missing=()

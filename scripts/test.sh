@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs the whole test suite: once in a
-# normal build and once under AddressSanitizer + UndefinedBehaviorSanitizer.
+# Installs what is missing, builds, and runs the whole test suite twice: in a
+# normal build, and in a clang build under AddressSanitizer and
+# UndefinedBehaviorSanitizer, which also runs every fuzz target briefly.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -10,7 +11,25 @@ scripts/build.sh build
 (cd build && ctest --output-on-failure -j "$(nproc)")
 
 if [ "${CORVANE_SKIP_SANITIZE:-0}" != "1" ]; then
-  scripts/build.sh build-asan -DCORVANE_SANITIZE=ON -DCORVANE_BENCH=OFF
-  (cd build-asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
-     ctest --output-on-failure -j "$(nproc)")
+  CC=clang CXX=clang++ scripts/build.sh build-asan \
+    -DCORVANE_SANITIZE=ON -DCORVANE_FUZZ=ON -DCORVANE_BENCH=OFF
+  export ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+  (cd build-asan && ctest --output-on-failure -j "$(nproc)")
+
+  seconds="${CORVANE_FUZZ_SECONDS:-20}"
+  for fuzzer in build-asan/bin/fuzz_*; do
+    name=$(basename "$fuzzer" | sed 's/^fuzz_//')
+    corpus=$(mktemp -d)
+    echo "== fuzzing $name for ${seconds}s"
+    status=0
+    "$fuzzer" "$corpus" "tests/fuzz/seeds/$name" -max_total_time="$seconds" \
+      -print_final_stats=1 > "$corpus.log" 2>&1 || status=$?
+    grep -E "^stat::number_of_executed_units" "$corpus.log" || true
+    if [ "$status" -ne 0 ]; then
+      tail -n 60 "$corpus.log"
+      echo "fuzz_$name failed"
+      exit 1
+    fi
+    rm -rf "$corpus" "$corpus.log"
+  done
 fi

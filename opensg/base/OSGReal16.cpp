@@ -48,8 +48,14 @@ constexpr Real16::FloatTable makeFloatTable(void)
 
 } // namespace
 
+namespace
+{
+// constexpr, so the table is computed by the compiler or not at all.
+constexpr Real16::FloatTable FloatTableInit = makeFloatTable();
+} // namespace
+
 // Constant-initialised: ready before any dynamic initialiser can run.
-constexpr Real16::FloatTable Real16::_toFloat = makeFloatTable();
+const Real16::FloatTable Real16::_toFloat = FloatTableInit;
 
 unsigned short Real16::convert(std::uint32_t x)
 {
