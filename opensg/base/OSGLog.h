@@ -24,7 +24,9 @@
 
 OSG_BEGIN_NAMESPACE
 
-enum LogLevel
+// A fixed underlying type: numbers out of range (from the environment or a
+// caller) are clamped, not undefined.
+enum LogLevel : Int32
 {
     LOG_LOG     = 0,
     LOG_FATAL   = 1,
@@ -34,7 +36,7 @@ enum LogLevel
     LOG_DEBUG   = 5
 };
 
-enum LogType
+enum LogType : Int32
 {
     LOG_NONE   = 0,
     LOG_STDOUT = 1,
