@@ -5,6 +5,7 @@ cd "$(dirname "$0")/.."
 
 dir="${1:-build}"
 shift || true
-cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@" > "$dir.configure.log" 2>&1 \
-  || { cat "$dir.configure.log"; exit 1; }
+mkdir -p "$dir"
+cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@" > "$dir/configure.log" 2>&1 \
+  || { cat "$dir/configure.log"; exit 1; }
 cmake --build "$dir" -j "$(nproc)"
