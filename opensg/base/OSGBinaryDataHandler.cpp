@@ -33,6 +33,15 @@ void BinaryDataHandler::put(const void *src, UInt32 size)
         write(const_cast<MemoryHandle>(data), size);
         return;
     }
+    if(_currentWriteBuffer != _writeBuffers.end() &&
+       size < _currentWriteBuffer->_size - _currentWriteBufferPos)
+    {
+        // the common case: a value that fits the current buffer
+        memcpy(_currentWriteBuffer->_mem + _currentWriteBufferPos, data, size);
+        _currentWriteBufferPos += size;
+        _currentWriteBuffer->_dataSize = _currentWriteBufferPos;
+        return;
+    }
     while(size > 0)
     {
         if(_currentWriteBuffer == _writeBuffers.end())

@@ -175,13 +175,44 @@ class BinaryDataHandler
     void pushBuffer(void);
     void pullBuffer(void);
 
+    /// Reverses the bytes of one value of 1, 2, 4, 8 or 16 bytes in place.
+    template <size_t N>
+    static void swapBytes(UInt8 *p)
+    {
+        if constexpr(N == 2)
+        {
+            UInt16 v;
+            memcpy(&v, p, 2);
+            v = __builtin_bswap16(v);
+            memcpy(p, &v, 2);
+        }
+        else if constexpr(N == 4)
+        {
+            UInt32 v;
+            memcpy(&v, p, 4);
+            v = __builtin_bswap32(v);
+            memcpy(p, &v, 4);
+        }
+        else if constexpr(N == 8)
+        {
+            UInt64 v;
+            memcpy(&v, p, 8);
+            v = __builtin_bswap64(v);
+            memcpy(p, &v, 8);
+        }
+        else
+        {
+            for(size_t i = 0; i < N / 2; ++i)
+                std::swap(p[i], p[N - 1 - i]);
+        }
+    }
+
     template <class T>
     void putSwapped(T value)
     {
         UInt8 b[sizeof(T)];
         memcpy(b, &value, sizeof(T));
-        for(UInt32 i = 0; i < sizeof(T) / 2; ++i)
-            std::swap(b[i], b[sizeof(T) - 1 - i]);
+        swapBytes<sizeof(T)>(b);
         put(b, sizeof(T));
     }
 
@@ -190,8 +221,7 @@ class BinaryDataHandler
     {
         UInt8 b[sizeof(T)];
         get(b, sizeof(T));
-        for(UInt32 i = 0; i < sizeof(T) / 2; ++i)
-            std::swap(b[i], b[sizeof(T) - 1 - i]);
+        swapBytes<sizeof(T)>(b);
         memcpy(&value, b, sizeof(T));
     }
 
@@ -207,13 +237,9 @@ class BinaryDataHandler
         while(size > 0)
         {
             UInt32 n = size < 256 ? size : 256;
+            memcpy(tmp, values, n * sizeof(T));
             for(UInt32 i = 0; i < n; ++i)
-            {
-                UInt8 *d = tmp + i * sizeof(T);
-                memcpy(d, values + i, sizeof(T));
-                for(UInt32 k = 0; k < sizeof(T) / 2; ++k)
-                    std::swap(d[k], d[sizeof(T) - 1 - k]);
-            }
+                swapBytes<sizeof(T)>(tmp + i * sizeof(T));
             put(tmp, n * UInt32(sizeof(T)));
             values += n;
             size -= n;
@@ -228,8 +254,7 @@ class BinaryDataHandler
             return;
         UInt8 *p = reinterpret_cast<UInt8 *>(values);
         for(UInt32 i = 0; i < size; ++i, p += sizeof(T))
-            for(UInt32 k = 0; k < sizeof(T) / 2; ++k)
-                std::swap(p[k], p[sizeof(T) - 1 - k]);
+            swapBytes<sizeof(T)>(p);
     }
 
     BuffersT::iterator _currentReadBuffer;
