@@ -23,7 +23,7 @@ namespace
 
 const int         kEdge   = 2048;
 const std::size_t kPixels = std::size_t(kEdge) * kEdge;
-const osg::UInt32 kRGBA   = 0x1908;   // Image::OSG_RGBA_PF
+const osg::Image::PixelFormat kRGBA = osg::Image::OSG_RGBA_PF;
 
 // The picture, and an opaque copy for DXT1, whose codecs differ in how they
 // treat alpha (libsquish makes alpha < 128 transparent black).

@@ -14,20 +14,16 @@ using osg::UInt32;
 namespace
 {
 
-// TEMPORARY until OSGImage.h exists: the Image::PixelFormat values (GL
-// enumerants) and the data type the compressor deals with.
-enum GLValue : UInt32
-{
-    PF_RGB           = 0x1907,
-    PF_RGBA          = 0x1908,
-    PF_BGR           = 0x80E0,
-    PF_BGRA          = 0x80E1,
-    PF_RGB_DXT1      = 33776,
-    PF_RGBA_DXT1     = 33777,
-    PF_RGBA_DXT3     = 33778,
-    PF_RGBA_DXT5     = 33779,
-    DT_UNSIGNED_BYTE = 0x1401
-};
+using osg::Image;
+
+const UInt32 PF_RGB       = Image::OSG_RGB_PF;
+const UInt32 PF_RGBA      = Image::OSG_RGBA_PF;
+const UInt32 PF_BGR       = Image::OSG_BGR_PF;
+const UInt32 PF_BGRA      = Image::OSG_BGRA_PF;
+const UInt32 PF_RGB_DXT1  = GL_COMPRESSED_RGB_S3TC_DXT1_EXT;
+const UInt32 PF_RGBA_DXT1 = GL_COMPRESSED_RGBA_S3TC_DXT1_EXT;
+const UInt32 PF_RGBA_DXT3 = GL_COMPRESSED_RGBA_S3TC_DXT3_EXT;
+const UInt32 PF_RGBA_DXT5 = GL_COMPRESSED_RGBA_S3TC_DXT5_EXT;
 
 typedef void (*ImageRoutine)(const UInt8 *, UInt8 *, Int32, Int32, Int32 &);
 
@@ -49,6 +45,83 @@ void convertToRGBA(const UInt8 *in, UInt8 *out, std::size_t pixels, UInt32 inFor
     }
 }
 
+/// The pixel format an image takes; `format` becomes what compressPixels gets.
+UInt32 resolveFormat(bool hasAlpha, DXTCompressor::CompressedFormat &format)
+{
+    switch(format)
+    {
+        case DXTCompressor::Auto:
+            format = hasAlpha ? DXTCompressor::DXT5 : DXTCompressor::DXT1;
+            return hasAlpha ? PF_RGBA_DXT5 : PF_RGB_DXT1;
+        case DXTCompressor::DXT1:
+            return hasAlpha ? PF_RGBA_DXT1 : PF_RGB_DXT1;
+        default:
+            // DXT5, and values that compressPixels will refuse.
+            return PF_RGBA_DXT5;
+    }
+}
+
+/// An edge raised to the next multiple of 4.
+UInt32 blockEdge(UInt32 edge)
+{
+    return (edge + 3) & ~UInt32(3);
+}
+
+bool isDXTFormat(UInt32 pixelFormat)
+{
+    return pixelFormat == PF_RGB_DXT1  || pixelFormat == PF_RGBA_DXT1 ||
+           pixelFormat == PF_RGBA_DXT3 || pixelFormat == PF_RGBA_DXT5;
+}
+
+bool isDXT1Format(UInt32 pixelFormat)
+{
+    // Narrower than isDXTFormat on purpose: an image already in DXT3 or DXT5
+    // goes on in compressImage and meets the pixel-format check.
+    return pixelFormat == PF_RGB_DXT1 || pixelFormat == PF_RGBA_DXT1;
+}
+
+bool checkImage(bool exists, UInt32 depth)
+{
+    if(exists && depth < 2)
+        return true;
+
+    FWARNING(("DXTCompressor::compressImage: Invalid image. Boldly refusing "
+               "to compress it.\n"));
+    return false;
+}
+
+bool checkSize(UInt32 width, UInt32 height)
+{
+    if((width & 3) == 0 && (height & 3) == 0)
+        return true;
+
+    FWARNING(("DXTCompressor::compressImage: Invalid image size (%i x %i -- "
+               "must be a multiple of 4). Boldly refusing to compress it.\n",
+               int(width), int(height)));
+    return false;
+}
+
+bool checkDataType(UInt32 dataType)
+{
+    if(dataType == GL_UNSIGNED_BYTE)
+        return true;
+
+    FWARNING(("DXTCompressor::compressImage: Invalid data type (%i -- must "
+               "be uint8). Boldly refusing to compress it.\n", int(dataType)));
+    return false;
+}
+
+bool checkPixelFormat(UInt32 pixelFormat)
+{
+    if(pixelFormat == PF_RGBA)
+        return true;
+
+    FWARNING(("DXTCompressor::compressImage: Invalid pixel format (%i -- "
+               "must be rgba). Boldly refusing to compress it.\n",
+               int(pixelFormat)));
+    return false;
+}
+
 } // namespace
 
 DXTCompressor::DXTCompressor(void)
@@ -65,7 +138,7 @@ bool DXTCompressor::compressPixels(UInt8            *out,
                                    const UInt8      *in,
                                    UInt32            width,
                                    UInt32            height,
-                                   PixelFormat       inFormat,
+                                   Image::PixelFormat inFormat,
                                    CompressedFormat  format)
 {
     if((width & 3) != 0 || (height & 3) != 0)
@@ -149,77 +222,59 @@ bool DXTCompressor::compressPixels(UInt8            *out,
     return true;
 }
 
-UInt32 DXTCompressor::resolveFormat(bool hasAlpha, CompressedFormat &format)
+
+bool DXTCompressor::isDXTCompressed(osg::ImagePtr image)
 {
-    switch(format)
+    return isDXTFormat(image->getPixelFormat());
+}
+
+bool DXTCompressor::compressImage(osg::ImagePtr image, CompressedFormat format)
+{
+    // The format is resolved first, from the alpha channel of an image that
+    // may still turn out to be refused.
+    const UInt32 target = resolveFormat(image != osg::NullFC && image->hasAlphaChannel(), format);
+
+    if(!checkImage(image != osg::NullFC, image != osg::NullFC ? image->getDepth() : 0))
+        return false;
+
+    UInt32 width  = image->getWidth();
+    UInt32 height = image->getHeight();
+    if((width & 3) != 0 || (height & 3) != 0)
     {
-        case Auto:
-            format = hasAlpha ? DXT5 : DXT1;
-            return hasAlpha ? PF_RGBA_DXT5 : PF_RGB_DXT1;
-        case DXT1:
-            return hasAlpha ? PF_RGBA_DXT1 : PF_RGB_DXT1;
-        default:
-            // DXT5, and values that compressPixels will refuse.
-            return PF_RGBA_DXT5;
+        image->scale(Int32(blockEdge(width)), Int32(blockEdge(height)), 1, osg::NullFC);
+        width  = image->getWidth();
+        height = image->getHeight();
     }
-}
+    if(!checkSize(width, height))
+        return false;
 
-UInt32 DXTCompressor::blockEdge(UInt32 edge)
-{
-    return (edge + 3) & ~UInt32(3);
-}
+    if(image->getDataType() != GL_UNSIGNED_BYTE)
+        image->convertDataTypeTo(GL_UNSIGNED_BYTE);
+    if(!checkDataType(image->getDataType()))
+        return false;
 
-bool DXTCompressor::isDXTFormat(UInt32 pixelFormat)
-{
-    return pixelFormat == PF_RGB_DXT1  || pixelFormat == PF_RGBA_DXT1 ||
-           pixelFormat == PF_RGBA_DXT3 || pixelFormat == PF_RGBA_DXT5;
-}
-
-bool DXTCompressor::isDXT1Format(UInt32 pixelFormat)
-{
-    // Narrower than isDXTFormat on purpose: an image already in DXT3 or DXT5
-    // goes on in compressImage and meets the pixel-format check.
-    return pixelFormat == PF_RGB_DXT1 || pixelFormat == PF_RGBA_DXT1;
-}
-
-bool DXTCompressor::checkImage(bool exists, UInt32 depth)
-{
-    if(exists && depth < 2)
+    if(isDXT1Format(image->getPixelFormat()))
         return true;
 
-    FWARNING(("DXTCompressor::compressImage: Invalid image. Boldly refusing "
-               "to compress it.\n"));
-    return false;
-}
+    if(image->getPixelFormat() != PF_RGBA)
+        image->reformat(Image::OSG_RGBA_PF, osg::NullFC);
+    if(!checkPixelFormat(image->getPixelFormat()))
+        return false;
 
-bool DXTCompressor::checkSize(UInt32 width, UInt32 height)
-{
-    if((width & 3) == 0 && (height & 3) == 0)
-        return true;
+    const std::size_t bytes = std::size_t(width) * height * 4;
+    osg::DXTAlignedBuffer pixels;
+    if(!pixels.allocate(bytes))
+    {
+        FWARNING(("DXTCompressor::compressImage: Out of memory. Boldly refusing to "
+                  "compress it.\n"));
+        return false;
+    }
+    std::memcpy(pixels.data(), image->getData(), bytes);
 
-    FWARNING(("DXTCompressor::compressImage: Invalid image size (%i x %i -- "
-               "must be a multiple of 4). Boldly refusing to compress it.\n",
-               int(width), int(height)));
-    return false;
-}
-
-bool DXTCompressor::checkDataType(UInt32 dataType)
-{
-    if(dataType == DT_UNSIGNED_BYTE)
-        return true;
-
-    FWARNING(("DXTCompressor::compressImage: Invalid data type (%i -- must "
-               "be uint8). Boldly refusing to compress it.\n", int(dataType)));
-    return false;
-}
-
-bool DXTCompressor::checkPixelFormat(UInt32 pixelFormat)
-{
-    if(pixelFormat == PF_RGBA)
-        return true;
-
-    FWARNING(("DXTCompressor::compressImage: Invalid pixel format (%i -- "
-               "must be rgba). Boldly refusing to compress it.\n",
-               int(pixelFormat)));
-    return false;
+    osg::beginEditCP(image, Image::PixelFieldMask);
+    image->set(target, Int32(width), Int32(height), 1, 1, 1, 0.0, NULL, GL_UNSIGNED_BYTE, true,
+               1);
+    compressPixels(image->editData(), pixels.data(), width, height, Image::OSG_RGBA_PF, format);
+    osg::endEditCP(image, Image::PixelFieldMask);
+    return true;
 }

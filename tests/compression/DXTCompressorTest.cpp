@@ -17,7 +17,8 @@ namespace
 {
 
 // Image::PixelFormat values.
-const UInt32 kRGB = 0x1907, kRGBA = 0x1908, kBGR = 0x80E0, kBGRA = 0x80E1;
+const osg::Image::PixelFormat kRGB = osg::Image::OSG_RGB_PF, kRGBA = osg::Image::OSG_RGBA_PF,
+                              kBGR = osg::Image::OSG_BGR_PF, kBGRA = osg::Image::OSG_BGRA_PF;
 
 typedef std::vector<UInt8> Bytes;
 
@@ -371,11 +372,11 @@ TEST(DXTImage, YCoCgHalvesTowardZeroClampsAndRoundTrips)
 TEST(DXTCompressorPixels, RefusesAndWritesNothing)
 {
     const Bytes rgba(8 * 8 * 4, 100);
-    struct Case { UInt32 width, height, format; int target; const char *text; };
+    struct Case { UInt32 width, height; osg::Image::PixelFormat format; int target; const char *text; };
     const Case cases[] = {
         { 6, 8, kRGBA, DXTCompressor::DXT1, "Width and height no multiple of 4. Doing nothing.\n" },
         { 8, 6, kRGBA, DXTCompressor::DXT1, "Width and height no multiple of 4. Doing nothing.\n" },
-        { 8, 8, 0x1909, DXTCompressor::Auto, "Unsupported inPixelFormat. Doing nothing.\n" },
+        { 8, 8, osg::Image::OSG_L_PF, DXTCompressor::Auto, "Unsupported inPixelFormat. Doing nothing.\n" },
         { 8, 8, kRGB, 3, "Unsupported targetFormat. Doing nothing.\n" },
     };
     for(const Case &c : cases)
@@ -408,7 +409,7 @@ TEST(DXTCompressorPixels, ConvertsInputFormatsAndChoosesByAlpha)
     }
 
     // Output beyond the blocks stays untouched.
-    auto run = [&](const Bytes &in, UInt32 format, DXTCompressor::CompressedFormat target) {
+    auto run = [&](const Bytes &in, osg::Image::PixelFormat format, DXTCompressor::CompressedFormat target) {
         Bytes out(width * height + 16, 0xEE);
         EXPECT_TRUE(DXTCompressor::the().compressPixels(out.data(), in.data(), width, height, format, target));
         return out;
@@ -443,49 +444,142 @@ TEST(DXTCompressorPixels, UnalignedBuffersGiveTheSameBytes)
     }
 }
 
-TEST(DXTCompressorImageSteps, FormatDecisionsAndRefusalTexts)
+namespace
 {
-    typedef DXTCompressor D;
-    D::CompressedFormat f = D::Auto;
-    EXPECT_EQ(33776u, D::resolveFormat(false, f));
-    EXPECT_EQ(D::DXT1, f);
-    f = D::Auto;
-    EXPECT_EQ(33779u, D::resolveFormat(true, f));
-    EXPECT_EQ(D::DXT5, f);
-    EXPECT_EQ(33777u, D::resolveFormat(true, f = D::DXT1));
-    EXPECT_EQ(33776u, D::resolveFormat(false, f = D::DXT1));
-    EXPECT_EQ(33779u, D::resolveFormat(false, f = D::CompressedFormat(9)));
-    EXPECT_EQ(9, int(f));
 
-    // 6 x 10 becomes 8 x 12; DXT3 and DXT5 count as compressed, yet only
-    // DXT1 lets compressImage return at once.
-    EXPECT_EQ(8u, D::blockEdge(6));
-    EXPECT_EQ(12u, D::blockEdge(10));
-    EXPECT_TRUE(D::isDXTFormat(33778) && D::isDXTFormat(33779) && !D::isDXTFormat(kRGBA));
-    EXPECT_TRUE(D::isDXT1Format(33776) && D::isDXT1Format(33777) && !D::isDXT1Format(33779));
+/// An image of the given format and edges filled with the photo-like test
+/// pattern (RGBA bytes from the top row; RGB drops the alpha).
+osg::ImagePtr makeImage(osg::Image::PixelFormat format, int width, int height, int depth = 1)
+{
+    osg::ImagePtr image = osg::Image::create();
+    osg::addRefCP(image);
+    osg::beginEditCP(image);
+    image->set(format, width, height, depth);
+    const Bytes rgba = dxttest::makePhotoImage(width, height * depth, 5);
+    const int   comps = format == kRGBA ? 4 : 3;
+    UInt8      *data  = image->editData();
+    for(int i = 0; i < width * height * depth; ++i)
+        for(int c = 0; c < comps; ++c)
+            data[i * comps + c] = rgba[i * 4 + c];
+    osg::endEditCP(image);
+    return image;
+}
 
+std::string compressWithLog(osg::ImagePtr image, DXTCompressor::CompressedFormat format, bool &ok)
+{
     testing::internal::CaptureStderr();
-    EXPECT_TRUE(D::checkImage(true, 1) && D::checkSize(8, 12) && D::checkDataType(0x1401) &&
-                D::checkPixelFormat(kRGBA));
-    EXPECT_FALSE(D::checkImage(false, 1));
-    EXPECT_FALSE(D::checkImage(true, 2));
-    EXPECT_FALSE(D::checkSize(6, 8));
-    EXPECT_FALSE(D::checkDataType(0x1406));
-    EXPECT_FALSE(D::checkPixelFormat(kRGB));
-    const std::string log = testing::internal::GetCapturedStderr();
+    ok = DXTCompressor::the().compressImage(image, format);
+    return testing::internal::GetCapturedStderr();
+}
 
-    const std::string refusal = "Boldly refusing to compress it.\n";
-    const std::string texts[] = {
-        "Invalid image. ", "Invalid image. ",
-        "Invalid image size (6 x 8 -- must be a multiple of 4). ",
-        "Invalid data type (5126 -- must be uint8). ",
-        "Invalid pixel format (6407 -- must be rgba). " };
-    std::size_t at = 0;
-    for(const std::string &text : texts)
+} // namespace
+
+TEST(DXTCompressorImage, ChoosesTheCompressedFormatByAlpha)
+{
+    struct Case { osg::Image::PixelFormat in; DXTCompressor::CompressedFormat format; UInt32 target; UInt32 bytes; };
+    const Case cases[] = {
+        { kRGB, DXTCompressor::Auto, 33776, 8 * 8 / 2 },
+        { kRGBA, DXTCompressor::Auto, 33779, 8 * 8 },
+        { kRGBA, DXTCompressor::DXT1, 33777, 8 * 8 / 2 },
+        { kRGB, DXTCompressor::DXT1, 33776, 8 * 8 / 2 },
+        { kRGB, DXTCompressor::DXT5, 33779, 8 * 8 },
+    };
+    for(const Case &c : cases)
     {
-        at = log.find("DXTCompressor::compressImage: " + text + refusal, at);
-        ASSERT_NE(std::string::npos, at) << text << "\nin:\n" << log;
-        ++at;
+        osg::ImagePtr image = makeImage(c.in, 8, 8);
+        Bytes rgba(8 * 8 * 4);
+        const UInt8 *src = image->getData();
+        const int comps = c.in == kRGBA ? 4 : 3;
+        // what the image's own reformat to RGBA gives: RGB gets the average
+        // of its channels as alpha
+        for(int i = 0; i < 64; ++i)
+        {
+            const UInt8 *p = src + i * comps;
+            for(int k = 0; k < 3; ++k)
+                rgba[i * 4 + k] = p[k];
+            rgba[i * 4 + 3] = comps == 4 ? p[3] : UInt8((UInt32(p[0]) + p[1] + p[2]) / 3);
+        }
+
+        bool ok = false;
+        compressWithLog(image, c.format, ok);
+        ASSERT_TRUE(ok);
+        EXPECT_EQ(c.target, image->getPixelFormat());
+        EXPECT_TRUE(DXTCompressor::the().isDXTCompressed(image));
+        ASSERT_EQ(c.bytes, image->getSize());
+        // the image holds exactly what the block routines make of its pixels
+        EXPECT_EQ(compress(rgba, 8, 8, c.bytes == 64), Bytes(image->getData(), image->getData() + c.bytes))
+            << "case " << int(&c - cases);
+        osg::subRefCP(image);
     }
-    EXPECT_EQ(5, std::count(log.begin(), log.end(), '\n'));
+}
+
+TEST(DXTCompressorImage, RaisesEdgesToMultiplesOfFour)
+{
+    osg::ImagePtr image = makeImage(kRGB, 6, 10);
+    bool ok = false;
+    compressWithLog(image, DXTCompressor::Auto, ok);
+    EXPECT_TRUE(ok);
+    EXPECT_EQ(8, image->getWidth());
+    EXPECT_EQ(12, image->getHeight());
+    EXPECT_EQ(8u * 12u / 2u, image->getSize());
+    osg::subRefCP(image);
+}
+
+TEST(DXTCompressorImage, ConvertsDataTypeAndFormatFirst)
+{
+    // 16-bit luminance becomes bytes, then RGBA, then DXT1 (no alpha)
+    osg::ImagePtr image = osg::Image::create();
+    osg::addRefCP(image);
+    osg::beginEditCP(image);
+    image->set(osg::Image::OSG_L_PF, 8, 4, 1, 1, 1, 0.0, NULL, osg::Image::OSG_UINT16_IMAGEDATA);
+    osg::endEditCP(image);
+    bool ok = false;
+    compressWithLog(image, DXTCompressor::Auto, ok);
+    EXPECT_TRUE(ok);
+    EXPECT_EQ(33776u, image->getPixelFormat());
+    EXPECT_EQ(UInt32(GL_UNSIGNED_BYTE), image->getDataType());
+    osg::subRefCP(image);
+}
+
+TEST(DXTCompressorImage, RefusesWithItsTexts)
+{
+    const std::string refusal = "Boldly refusing to compress it.\n";
+    bool ok = true;
+
+    std::string log = compressWithLog(osg::NullFC, DXTCompressor::Auto, ok);
+    EXPECT_FALSE(ok);
+    EXPECT_NE(std::string::npos, log.find("DXTCompressor::compressImage: Invalid image. " + refusal)) << log;
+
+    osg::ImagePtr volume = makeImage(kRGB, 8, 8, 2);
+    log = compressWithLog(volume, DXTCompressor::Auto, ok);
+    EXPECT_FALSE(ok);
+    EXPECT_NE(std::string::npos, log.find("DXTCompressor::compressImage: Invalid image. " + refusal)) << log;
+    EXPECT_EQ(kRGB, volume->getPixelFormat()) << "a refused image stays as it was";
+    osg::subRefCP(volume);
+}
+
+TEST(DXTCompressorImage, AlreadyCompressedImages)
+{
+    const std::string refusal = "Boldly refusing to compress it.\n";
+    // DXT1 images return at once, unchanged
+    osg::ImagePtr image = makeImage(kRGB, 8, 8);
+    bool ok = false;
+    compressWithLog(image, DXTCompressor::DXT1, ok);
+    const Bytes before(image->getData(), image->getData() + image->getSize());
+    compressWithLog(image, DXTCompressor::DXT5, ok);
+    EXPECT_TRUE(ok);
+    EXPECT_EQ(33776u, image->getPixelFormat());
+    EXPECT_EQ(before, Bytes(image->getData(), image->getData() + image->getSize()));
+    osg::subRefCP(image);
+
+    // DXT5 counts as compressed, yet compressImage goes on and refuses it at
+    // the pixel-format step
+    osg::ImagePtr dxt5 = makeImage(kRGBA, 8, 8);
+    compressWithLog(dxt5, DXTCompressor::DXT5, ok);
+    ASSERT_TRUE(DXTCompressor::the().isDXTCompressed(dxt5));
+    std::string log = compressWithLog(dxt5, DXTCompressor::DXT5, ok);
+    EXPECT_FALSE(ok);
+    EXPECT_NE(std::string::npos, log.find("DXTCompressor::compressImage: Invalid pixel format (33779 -- "
+                                          "must be rgba). " + refusal)) << log;
+    osg::subRefCP(dxt5);
 }

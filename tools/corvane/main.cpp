@@ -1,13 +1,20 @@
 // corvane: the project's command-line program.
 //
-//   corvane types            lists every field-container type
-//   corvane fields TYPE...   creates each type by name and prints its fields
+//   corvane types                         lists every field-container type
+//   corvane fields TYPE...                creates each type by name and prints its fields
+//   corvane dxt IN.png OUT.dds [dxt1|dxt5] compresses an image to a DDS file
 #include <OpenSG/OSGBaseInitFunctions.h>
 #include <OpenSG/OSGFieldContainer.h>
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <OpenSG/OSGFieldDescription.h>
 #include <OpenSG/OSGField.h>
 #include <OpenSG/OSGNode.h>
+#include <OpenSG/OSGImage.h>
+#include <OpenSG/DXTCompressor.h>
+
+#include "DDSWriter.h"
+
+#include <fstream>
 
 #include <cstdio>
 #include <cstring>
@@ -22,7 +29,8 @@ int usage(void)
 {
     fprintf(stderr,
             "usage: corvane types\n"
-            "       corvane fields TYPE...\n");
+            "       corvane fields TYPE...\n"
+            "       corvane dxt IN.png OUT.dds [dxt1|dxt5]\n");
     return 2;
 }
 
@@ -90,6 +98,54 @@ int showFields(int argc, char **argv)
     return failures == 0 ? 0 : 1;
 }
 
+/// Reads an image, compresses it (DXT1, DXT5, or by its alpha channel) and
+/// writes it as a DDS file.
+int compressToDDS(int argc, char **argv)
+{
+    DXTCompressor::CompressedFormat format = DXTCompressor::Auto;
+    if(argc > 2)
+    {
+        if(strcmp(argv[2], "dxt1") == 0)
+            format = DXTCompressor::DXT1;
+        else if(strcmp(argv[2], "dxt5") == 0)
+            format = DXTCompressor::DXT5;
+        else
+            return usage();
+    }
+
+    ImagePtr image = Image::create();
+    addRefCP(image);
+    if(!image->read(argv[0]))
+    {
+        fprintf(stderr, "corvane: can't read '%s'\n", argv[0]);
+        subRefCP(image);
+        return 1;
+    }
+    // DDS files keep the top row first
+    ImagePtr flipped = corvane::flipRows(image);
+    addRefCP(flipped);
+    subRefCP(image);
+
+    int result = 1;
+    if(DXTCompressor::the().compressImage(flipped, format))
+    {
+        std::ofstream out(argv[1], std::ios::binary);
+        if(corvane::writeDDS(flipped, out))
+        {
+            printf("%s: %dx%d, %u bytes of %s\n", argv[1], flipped->getWidth(),
+                   flipped->getHeight(), flipped->getSize(),
+                   flipped->getPixelFormat() == GL_COMPRESSED_RGBA_S3TC_DXT5_EXT ? "DXT5" : "DXT1");
+            result = 0;
+        }
+        else
+        {
+            fprintf(stderr, "corvane: can't write '%s'\n", argv[1]);
+        }
+    }
+    subRefCP(flipped);
+    return result;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -104,6 +160,8 @@ int main(int argc, char **argv)
         result = listTypes();
     else if(strcmp(argv[1], "fields") == 0 && argc > 2)
         result = showFields(argc - 2, argv + 2);
+    else if(strcmp(argv[1], "dxt") == 0 && argc > 3)
+        result = compressToDDS(argc - 2, argv + 2);
     else
         result = usage();
 

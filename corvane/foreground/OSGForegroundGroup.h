@@ -1,0 +1,36 @@
+/// A foreground that draws a list of foregrounds one after the other.
+#ifndef _OSGFOREGROUNDGROUP_H_
+#define _OSGFOREGROUNDGROUP_H_
+
+#include <OpenSG/OSGForegroundGroupBase.h>
+
+OSG_BEGIN_NAMESPACE
+
+class ForegroundGroup : public ForegroundGroupBase
+{
+  private:
+    typedef ForegroundGroupBase Inherited;
+
+  public:
+    virtual void changed(BitVector whichField, UInt32 origin);
+    virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
+
+  protected:
+    ForegroundGroup(void);
+    ForegroundGroup(const ForegroundGroup &source);
+    virtual ~ForegroundGroup(void);
+
+  private:
+    friend class FieldContainer;
+    friend class ForegroundGroupBase;
+
+    static void initMethod(void);
+
+    void operator=(const ForegroundGroup &source);
+};
+
+typedef ForegroundGroup *ForegroundGroupP;
+
+OSG_END_NAMESPACE
+
+#endif

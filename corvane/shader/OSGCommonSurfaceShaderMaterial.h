@@ -1,0 +1,36 @@
+/// A chunk material that carries the parameters of a common surface shader.
+#ifndef _OSGCOMMONSURFACESHADERMATERIAL_H_
+#define _OSGCOMMONSURFACESHADERMATERIAL_H_
+
+#include <OpenSG/OSGCommonSurfaceShaderMaterialBase.h>
+
+OSG_BEGIN_NAMESPACE
+
+class CommonSurfaceShaderMaterial : public CommonSurfaceShaderMaterialBase
+{
+  private:
+    typedef CommonSurfaceShaderMaterialBase Inherited;
+
+  public:
+    virtual void changed(BitVector whichField, UInt32 origin);
+    virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
+
+  protected:
+    CommonSurfaceShaderMaterial(void);
+    CommonSurfaceShaderMaterial(const CommonSurfaceShaderMaterial &source);
+    virtual ~CommonSurfaceShaderMaterial(void);
+
+  private:
+    friend class FieldContainer;
+    friend class CommonSurfaceShaderMaterialBase;
+
+    static void initMethod(void);
+
+    void operator=(const CommonSurfaceShaderMaterial &source);
+};
+
+typedef CommonSurfaceShaderMaterial *CommonSurfaceShaderMaterialP;
+
+OSG_END_NAMESPACE
+
+#endif

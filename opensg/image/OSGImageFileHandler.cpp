@@ -1,0 +1,444 @@
+#include <OpenSG/OSGImageFileHandler.h>
+#include <OpenSG/OSGImage.h>
+#include <OpenSG/OSGLog.h>
+
+#include <algorithm>
+#include <cctype>
+#include <climits>
+#include <istream>
+#include <ostream>
+#include <unistd.h>
+
+OSG_BEGIN_NAMESPACE
+
+ImageFileHandler *ImageFileHandler::_the = NULL;
+
+namespace
+{
+
+const Char8 *FileNameKey     = "fileName";
+const Char8 *FullFilePathKey = "fullFilePath";
+
+std::string trimmedLower(const std::string &text)
+{
+    const char  *blanks = " \t\r\n";
+    const size_t first  = text.find_first_not_of(blanks);
+
+    if(first == std::string::npos)
+        return std::string();
+
+    std::string out = text.substr(first, text.find_last_not_of(blanks) - first + 1);
+
+    std::transform(out.begin(), out.end(), out.begin(), [](unsigned char c) {
+        return char(std::tolower(c));
+    });
+
+    return out;
+}
+
+std::string normalisedMime(const std::string &mimeType)
+{
+    return trimmedLower(mimeType.substr(0, mimeType.find(';')));
+}
+
+// The text after the last '.', normalised; "" when there is no '.'.
+std::string normalisedSuffixOf(const std::string &fileName)
+{
+    const size_t dot = fileName.rfind('.');
+
+    return dot != std::string::npos ? trimmedLower(fileName.substr(dot + 1))
+                                    : std::string();
+}
+
+bool isAbsolutePath(const std::string &path)
+{
+    return !path.empty() &&
+           (path[0] == '/' || path[0] == '\\' ||
+            (path.size() > 1 && path[1] == ':'));
+}
+
+std::string absolutePath(const std::string &path)
+{
+    if(isAbsolutePath(path))
+        return path;
+
+    char cwd[PATH_MAX];
+
+    if(getcwd(cwd, sizeof(cwd)) == NULL)
+        return path;
+
+    return std::string(cwd) + "/" + path;
+}
+
+} // namespace
+
+ImageFileHandler &ImageFileHandler::the(void)
+{
+    if(_the == NULL)
+        _the = new ImageFileHandler;
+
+    return *_the;
+}
+
+ImageFileHandler::ImageFileHandler(void)
+    : _suffixTypeMap(), _mimeTypeMap(), _readFP(NULL)
+{
+}
+
+ImageFileHandler::~ImageFileHandler(void)
+{
+}
+
+bool ImageFileHandler::addImageFileType(ImageFileType &fileType)
+{
+    ImageFileHandler &handler = the();
+    bool              added   = false;
+
+    for(const IDString &s : fileType.getSuffixList())
+    {
+        const std::string suffix = trimmedLower(s.str() != NULL ? s.str() : "");
+
+        if(handler._suffixTypeMap.count(suffix) != 0)
+        {
+            SWARNING << "Can't add an image file type with suffix " << suffix
+                     << " a second time" << std::endl;
+            continue;
+        }
+
+        handler._suffixTypeMap[suffix] = &fileType;
+        added                          = true;
+    }
+
+    const std::string mime =
+        normalisedMime(fileType.getMimeType() != NULL ? fileType.getMimeType() : "");
+
+    if(handler._mimeTypeMap.count(mime) != 0)
+    {
+        SWARNING << "Can't add an image file type with mimetype " << mime
+                 << " a second time" << std::endl;
+    }
+    else
+    {
+        handler._mimeTypeMap[mime] = &fileType;
+    }
+
+    return added;
+}
+
+ImageFileType *ImageFileHandler::getFileType(const Char8 *mimeType,
+                                             const Char8 *fileName,
+                                             bool         validateHeader)
+{
+    ImageFileType *type = NULL;
+
+    if(mimeType != NULL && *mimeType != '\0')
+    {
+        std::string mime = normalisedMime(mimeType);
+
+        if(mime.find('/') == std::string::npos)
+            mime = "image/" + mime;
+
+        TypeMap::iterator it = _mimeTypeMap.find(mime);
+
+        if(it != _mimeTypeMap.end())
+            type = it->second;
+        else
+            FWARNING(("Invalid mimeType %s in getFileType()\n", mimeType));
+    }
+
+    if(type == NULL && fileName != NULL && *fileName != '\0')
+    {
+        const std::string suffix = normalisedSuffixOf(fileName);
+
+        if(!suffix.empty())
+        {
+            TypeMap::iterator it = _suffixTypeMap.find(suffix);
+
+            if(it != _suffixTypeMap.end())
+                type = it->second;
+        }
+    }
+
+    if(validateHeader && type != NULL && fileName != NULL && *fileName != '\0')
+    {
+        bool implemented = false;
+
+        if(!type->validateHeader(fileName, implemented))
+        {
+            FWARNING(("Found wrong image header trying to autodetect image "
+                      "type!\n"));
+
+            for(TypeMap::iterator it = _suffixTypeMap.begin();
+                it != _suffixTypeMap.end(); ++it)
+            {
+                implemented = false;
+
+                if(it->second->validateHeader(fileName, implemented) &&
+                   implemented)
+                {
+                    FWARNING(("Autodetected '%s' image type!\n",
+                              it->first.c_str()));
+                    return it->second;
+                }
+            }
+
+            FWARNING(("Couldn't autodetect image type!\n"));
+            return NULL;
+        }
+    }
+
+    return type;
+}
+
+ImageFileType *ImageFileHandler::getDefaultType(void)
+{
+    TypeMap::iterator it = _suffixTypeMap.find("opensg");
+
+    if(it == _suffixTypeMap.end())
+    {
+        FFATAL(("Can not find any default (suffix:%s) image handler\n",
+                "opensg"));
+        return NULL;
+    }
+
+    return it->second;
+}
+
+ImagePtr ImageFileHandler::read(const Char8 *fileName, const Char8 *mimeType)
+{
+    if(_readFP != NULL)
+        return _readFP(fileName, mimeType);
+
+    ImagePtr image = Image::create();
+
+    if(!read(image, fileName, mimeType))
+    {
+        subRefCP(image);
+        image = NullFC;
+    }
+
+    return image;
+}
+
+bool ImageFileHandler::read(ImagePtr    &image,
+                            const Char8 *fileName,
+                            const Char8 *mimeType)
+{
+    const std::string fullPath = fileName != NULL ? fileName : "";
+
+    if(fullPath.empty())
+    {
+        SWARNING << "couldn't find image file " << fullPath << std::endl;
+        return false;
+    }
+
+    if(image == NullFC)
+    {
+        SWARNING << "could not read " << fullPath << "; no image to read into"
+                 << std::endl;
+        return false;
+    }
+
+    ImageFileType *type = getFileType(mimeType, fullPath.c_str(), true);
+
+    if(type == NULL)
+    {
+        SWARNING << "could not read " << fullPath << "; unknown image format"
+                 << std::endl;
+        return false;
+    }
+
+    if(!type->read(image, fullPath.c_str()))
+    {
+        SWARNING << "could not read " << fullPath << std::endl;
+        return false;
+    }
+
+    image->setAttachmentField(FileNameKey, fileName);
+    image->setAttachmentField(FullFilePathKey, fullPath);
+
+    beginEditCP(image, Image::NameFieldMask);
+    image->setName(absolutePath(fullPath));
+    endEditCP(image, Image::NameFieldMask);
+
+    return true;
+}
+
+bool ImageFileHandler::write(const ImagePtr &image,
+                             const Char8    *fileName,
+                             const Char8    *mimeType)
+{
+    if(image == NullFC)
+    {
+        SWARNING << "can't write " << (fileName != NULL ? fileName : "")
+                 << "; no image" << std::endl;
+        return false;
+    }
+
+    std::string name;
+
+    if(fileName != NULL)
+    {
+        name = fileName;
+    }
+    else if(const std::string *stored = image->findAttachmentField(FileNameKey))
+    {
+        name = *stored;
+    }
+
+    ImageFileType *type = getFileType(mimeType, name.c_str());
+
+    if(type == NULL)
+    {
+        SWARNING << "can't write " << name << "; unknown image format"
+                 << std::endl;
+        return false;
+    }
+
+    SINFO << "try to write " << name << " as " << type->getMimeType()
+          << std::endl;
+
+    return type->write(image, name.c_str());
+}
+
+ImagePtr ImageFileHandler::read(std::istream &is, const std::string &mimeType)
+{
+    ImagePtr image = Image::create();
+
+    if(!read(image, is, mimeType))
+    {
+        subRefCP(image);
+        image = NullFC;
+    }
+
+    return image;
+}
+
+bool ImageFileHandler::read(ImagePtr          &image,
+                            std::istream      &is,
+                            const std::string &mimeType)
+{
+    ImageFileType *type = getFileType(mimeType.c_str());
+
+    if(type == NULL)
+    {
+        SWARNING << "could not read a stream of type '" << mimeType
+                 << "'; unknown image format" << std::endl;
+        return false;
+    }
+
+    if(image == NullFC)
+    {
+        SWARNING << "could not read a stream of type '" << mimeType
+                 << "'; no image to read into" << std::endl;
+        return false;
+    }
+
+    return type->read(image, is, mimeType);
+}
+
+bool ImageFileHandler::write(const ImagePtr    &image,
+                             std::ostream      &os,
+                             const std::string &mimeType)
+{
+    ImageFileType *type = getFileType(mimeType.c_str());
+
+    if(type == NULL)
+    {
+        SWARNING << "can't write a stream of type '" << mimeType
+                 << "'; unknown image format" << std::endl;
+        return false;
+    }
+
+    if(image == NullFC)
+    {
+        SWARNING << "can't write a stream of type '" << mimeType
+                 << "'; no image" << std::endl;
+        return false;
+    }
+
+    return type->write(image, os, mimeType);
+}
+
+Int32 ImageFileHandler::getSuffixList(std::list<const Char8 *> &suffixList,
+                                      UInt32                    flags)
+{
+    suffixList.clear();
+
+    for(TypeMap::iterator it = _suffixTypeMap.begin();
+        it != _suffixTypeMap.end(); ++it)
+    {
+        if((it->second->getFlags() & flags) != 0)
+            suffixList.push_back(it->first.c_str());
+    }
+
+    return Int32(suffixList.size());
+}
+
+std::string ImageFileHandler::determineMimetypeFromName(const std::string &fileName)
+{
+    return determineMimetypeFromSuffix(normalisedSuffixOf(fileName));
+}
+
+std::string ImageFileHandler::determineMimetypeFromSuffix(const std::string &suffix)
+{
+    TypeMap::iterator it = _suffixTypeMap.find(trimmedLower(suffix));
+
+    return it != _suffixTypeMap.end() ? std::string(it->second->getMimeType())
+                                      : std::string();
+}
+
+std::string ImageFileHandler::determineMimetypeFromStream(std::istream &is)
+{
+    for(TypeMap::iterator it = _mimeTypeMap.begin(); it != _mimeTypeMap.end();
+        ++it)
+    {
+        const std::string mime = it->second->determineMimetypeFromStream(is);
+
+        if(!mime.empty())
+            return mime;
+    }
+
+    return std::string();
+}
+
+void ImageFileHandler::setReadCB(readcbfp fp)
+{
+    _readFP = fp;
+}
+
+ImageFileHandler::readcbfp ImageFileHandler::getReadCB(void)
+{
+    return _readFP;
+}
+
+bool ImageFileHandler::setOptions(const Char8 *suffix, const Char8 *options)
+{
+    ImageFileType *type = getFileType(suffix);
+
+    if(type == NULL)
+        return false;
+
+    type->setOptions(options);
+
+    return true;
+}
+
+const Char8 *ImageFileHandler::getOptions(const Char8 *suffix)
+{
+    ImageFileType *type = getFileType(suffix);
+
+    return type != NULL ? type->getOptions() : NULL;
+}
+
+void ImageFileHandler::dump(void)
+{
+    for(TypeMap::iterator it = _suffixTypeMap.begin();
+        it != _suffixTypeMap.end(); ++it)
+    {
+        FLOG(("Image suffix: %s, mimeType: %s\n", it->first.c_str(),
+              it->second->getMimeType()));
+    }
+}
+
+OSG_END_NAMESPACE

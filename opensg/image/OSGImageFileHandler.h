@@ -1,0 +1,109 @@
+/// The registry of image file formats: finds the format for a mime type or a
+/// file name and reads or writes images through it.
+///
+/// Mime types and suffixes are kept normalised (trimmed, lower case; mime
+/// parameters after ';' dropped). The first format registered for a name
+/// keeps it.
+#ifndef _OSGIMAGEFILEHANDLER_H_
+#define _OSGIMAGEFILEHANDLER_H_
+
+#include <OpenSG/OSGImageFileType.h>
+
+#include <iosfwd>
+#include <list>
+#include <map>
+#include <string>
+
+OSG_BEGIN_NAMESPACE
+
+class ImageFileHandler
+{
+  public:
+    typedef ImagePtr (*readcbfp)(const Char8 *fileName, const Char8 *mimeType);
+
+    /// Created on first use, never destroyed.
+    static ImageFileHandler &the(void);
+
+    virtual ~ImageFileHandler(void);
+
+    /// A new image read from fileName, or NullFC. The caller takes the
+    /// reference. A read callback, when set, answers instead.
+    virtual ImagePtr read(const Char8 *fileName, const Char8 *mimeType = 0);
+
+    /// Reads into image. The type comes from mimeType, else from the suffix;
+    /// the file's first bytes are checked and may choose another type. On
+    /// success the image's attachment fields "fileName" and "fullFilePath"
+    /// and its name field (absolute path) are set.
+    virtual bool read(ImagePtr &image, const Char8 *fileName,
+                      const Char8 *mimeType = 0);
+
+    /// Writes image; without a file name the image's "fileName" attachment
+    /// field names the file. The type comes from mimeType, else the suffix.
+    virtual bool write(const ImagePtr &image, const Char8 *fileName = 0,
+                       const Char8 *mimeType = 0);
+
+    virtual ImagePtr read(std::istream &is, const std::string &mimeType);
+    virtual bool read(ImagePtr &image, std::istream &is,
+                      const std::string &mimeType);
+    virtual bool write(const ImagePtr &image, std::ostream &os,
+                       const std::string &mimeType);
+
+    /// The type for mimeType (a bare word means "image/<word>"), else for
+    /// the suffix of fileName. With validateHeader the file's first bytes
+    /// are checked; when they do not fit, the first registered type (in
+    /// suffix order) that recognises them is taken, or none.
+    ImageFileType *getFileType(const Char8 *mimeType,
+                               const Char8 *fileName       = 0,
+                               bool         validateHeader = false);
+
+    /// The type registered for the suffix "opensg".
+    ImageFileType *getDefaultType(void);
+
+    /// Every registered suffix whose type has one of the flags, in
+    /// alphabetical order; answers the count.
+    virtual Int32 getSuffixList(std::list<const Char8 *> &suffixList,
+                                UInt32 flags =
+                                    ImageFileType::OSG_READ_SUPPORTED |
+                                    ImageFileType::OSG_WRITE_SUPPORTED);
+
+    std::string determineMimetypeFromName(const std::string &fileName);
+    std::string determineMimetypeFromSuffix(const std::string &suffix);
+    std::string determineMimetypeFromStream(std::istream &is);
+
+    void setReadCB(readcbfp fp);
+    readcbfp getReadCB(void);
+
+    /// Options of the type found for suffix (taken as a mime type).
+    virtual bool setOptions(const Char8 *suffix, const Char8 *options);
+    virtual const Char8 *getOptions(const Char8 *suffix);
+
+    /// Logs every suffix with its mime type.
+    void dump(void);
+
+  protected:
+    ImageFileHandler(void);
+
+  private:
+    friend class ImageFileType;
+
+    typedef std::map<std::string, ImageFileType *> TypeMap;
+
+    /// Called by every ImageFileType constructor; true if at least one
+    /// suffix was added.
+    static bool addImageFileType(ImageFileType &fileType);
+
+    static ImageFileHandler *_the;
+
+    TypeMap  _suffixTypeMap;
+    TypeMap  _mimeTypeMap;
+    readcbfp _readFP;
+
+    ImageFileHandler(const ImageFileHandler &);
+    void operator=(const ImageFileHandler &);
+};
+
+typedef ImageFileHandler *ImageFileHandlerP;
+
+OSG_END_NAMESPACE
+
+#endif

@@ -1,0 +1,53 @@
+/// MetaImage volumes ("image/x-metaimage", suffixes "mhd" and "mha"): a
+/// "Key = Value" text header followed by the voxels (.mha, ElementDataFile
+/// = LOCAL) or naming a raw file (.mhd; looked up beside the header first,
+/// then relative to the working directory).
+///
+/// Reading: NDims 1 to 3, element types MET_UCHAR, MET_USHORT, MET_UINT,
+/// MET_FLOAT as they are; MET_CHAR and MET_SHORT shifted into the unsigned
+/// range (offset in the attachment field "ValueOffset"); MET_DOUBLE
+/// narrowed to float; 1 to 4 channels; either byte order; zlib-compressed
+/// data; HeaderSize (-1: the data ends the file). ElementSpacing becomes
+/// the attachment field "SliceThickness". A stream holds a .mha.
+///
+/// Writing: a .mha with the data inline, or a .mhd plus name.raw (name.zraw
+/// when compressed). Options: "msb=true" for big-endian data,
+/// "compress=true" for zlib compression.
+#ifndef _OSGMHDIMAGEFILETYPE_H_
+#define _OSGMHDIMAGEFILETYPE_H_
+
+#include <OpenSG/OSGImageFileType.h>
+
+OSG_BEGIN_NAMESPACE
+
+class MHDImageFileType : public ImageFileType
+{
+  public:
+    static MHDImageFileType &the(void);
+
+    virtual ~MHDImageFileType(void);
+
+    using ImageFileType::read;
+    using ImageFileType::write;
+
+    virtual bool read(ImagePtr &image, const Char8 *fileName);
+    virtual bool write(const ImagePtr &image, const Char8 *fileName);
+
+    virtual bool read(ImagePtr &image, std::istream &is,
+                      const std::string &mimetype);
+
+  protected:
+    MHDImageFileType(const Char8 *mimeType,
+                     const Char8 *suffixArray[],
+                     UInt16       suffixByteCount,
+                     UInt32       flags);
+
+  private:
+    static MHDImageFileType _the;
+};
+
+typedef MHDImageFileType *MHDImageFileTypeP;
+
+OSG_END_NAMESPACE
+
+#endif

@@ -1,0 +1,158 @@
+#include <OpenSG/OSGNRRDImageFileType.h>
+#include <OpenSG/OSGImage.h>
+#include <OpenSG/OSGLog.h>
+#include <OpenSG/OSGNRRDCodec.h>
+#include <OpenSG/OSGVolumeImageSupport.h>
+
+#include <cstring>
+#include <fstream>
+#include <istream>
+#include <vector>
+
+OSG_BEGIN_NAMESPACE
+
+namespace
+{
+
+const Char8 *suffixArray[] = {"nrrd", "nhdr"};
+
+const Char8 Magic[7] = {'N', 'R', 'R', 'D', '0', '0', '0'};
+
+/// Room for a header in front of the largest volume we take.
+const UInt64 MaxStreamBytes = MaxVolumeBytes + (UInt64(1) << 20);
+
+bool readStream(std::istream &is, std::vector<UInt8> &out)
+{
+    out.clear();
+
+    const size_t Chunk = size_t(1) << 20;
+
+    while(is.good() && out.size() < MaxStreamBytes)
+    {
+        size_t old = out.size();
+
+        out.resize(old + Chunk);
+        is.read(reinterpret_cast<char *>(out.data() + old),
+                std::streamsize(Chunk));
+        out.resize(old + size_t(is.gcount()));
+    }
+    return !is.bad();
+}
+
+} // namespace
+
+NRRDImageFileType NRRDImageFileType::_the("image/x-nrrd", suffixArray,
+                                          sizeof(suffixArray),
+                                          OSG_READ_SUPPORTED |
+                                              OSG_WRITE_SUPPORTED);
+
+NRRDImageFileType &NRRDImageFileType::the(void)
+{
+    return _the;
+}
+
+NRRDImageFileType::NRRDImageFileType(const Char8 *mimeType,
+                                     const Char8 *suffixArray[],
+                                     UInt16       suffixByteCount,
+                                     UInt32       flags)
+    : ImageFileType(mimeType, suffixArray, suffixByteCount, flags)
+{
+}
+
+NRRDImageFileType::~NRRDImageFileType(void)
+{
+}
+
+bool NRRDImageFileType::read(ImagePtr &image, const Char8 *fileName)
+{
+    if(image == NullFC || fileName == NULL)
+        return false;
+
+    VolumeLayout       layout;
+    std::vector<UInt8> voxels;
+
+    if(!readNRRDFile(fileName, layout, voxels))
+        return false;
+
+    return volumeStoreInImage(image, layout, voxels, "NRRD");
+}
+
+bool NRRDImageFileType::read(ImagePtr &image, std::istream &is,
+                             const std::string &)
+{
+    if(image == NullFC)
+        return false;
+
+    std::vector<UInt8> bytes;
+
+    if(!readStream(is, bytes))
+    {
+        FWARNING(("NRRD: error reading the stream\n"));
+        return false;
+    }
+
+    VolumeLayout       layout;
+    std::vector<UInt8> voxels;
+
+    if(!readNRRD(bytes.data(), bytes.size(), layout, voxels))
+        return false;
+
+    bytes.clear();
+    bytes.shrink_to_fit();
+
+    return volumeStoreInImage(image, layout, voxels, "NRRD");
+}
+
+bool NRRDImageFileType::write(const ImagePtr &image, const Char8 *fileName)
+{
+    if(fileName == NULL)
+        return false;
+
+    VolumeLayout layout;
+    const UInt8 *data = NULL;
+    UInt64       size = 0;
+
+    if(!volumeLayoutOfImage(image, layout, data, size,
+                            "NRRDImageFileType::write"))
+        return false;
+
+    const bool gzip = volumeOption(getOptions() ? getOptions() : "",
+                                   "encoding") == "gzip";
+
+    return writeNRRDFile(fileName, layout, data, size, gzip);
+}
+
+bool NRRDImageFileType::validateHeader(const Char8 *fileName,
+                                       bool        &implemented)
+{
+    implemented = true;
+
+    if(fileName == NULL)
+        return false;
+
+    std::ifstream is(fileName, std::ios::in | std::ios::binary);
+    Char8         head[sizeof(Magic)];
+
+    if(!is.read(head, sizeof(head)))
+        return false;
+
+    return std::memcmp(head, Magic, sizeof(Magic)) == 0;
+}
+
+std::string NRRDImageFileType::determineMimetypeFromStream(std::istream &is)
+{
+    const std::streampos start = is.tellg();
+    Char8                head[sizeof(Magic)];
+
+    is.read(head, sizeof(head));
+
+    const bool match = is.gcount() == std::streamsize(sizeof(head)) &&
+                       std::memcmp(head, Magic, sizeof(Magic)) == 0;
+
+    is.clear();
+    is.seekg(start);
+
+    return match ? std::string(getMimeType()) : std::string();
+}
+
+OSG_END_NAMESPACE

@@ -1,0 +1,467 @@
+#include <OpenSG/OSGGeoFunctions.h>
+#include <OpenSG/OSGGL.h>
+
+#include <cmath>
+#include <cstring>
+#include <map>
+#include <utility>
+#include <vector>
+
+OSG_BEGIN_NAMESPACE
+
+namespace
+{
+
+/// The setter of a texture coordinate field, by its Geometry field id.
+bool setTexCoordsById(GeometryPtr geo, Int32 fieldId, const GeoTexCoordsPtr &tc)
+{
+    switch(fieldId)
+    {
+        case Geometry::TexCoordsFieldId:  geo->setTexCoords(tc); return true;
+        case Geometry::TexCoords1FieldId: geo->setTexCoords1(tc); return true;
+        case Geometry::TexCoords2FieldId: geo->setTexCoords2(tc); return true;
+        case Geometry::TexCoords3FieldId: geo->setTexCoords3(tc); return true;
+        case Geometry::TexCoords4FieldId: geo->setTexCoords4(tc); return true;
+        case Geometry::TexCoords5FieldId: geo->setTexCoords5(tc); return true;
+        case Geometry::TexCoords6FieldId: geo->setTexCoords6(tc); return true;
+        case Geometry::TexCoords7FieldId: geo->setTexCoords7(tc); return true;
+    }
+    return false;
+}
+
+bool isTexCoordsFieldId(Int32 id)
+{
+    return id >= Int32(Geometry::TexCoordsFieldId) && id <= Int32(Geometry::TexCoords7FieldId);
+}
+
+/// The mapping bit of a texture coordinate field id (0 for anything else).
+UInt16 mapBitOfFieldId(Int32 id)
+{
+    if(!isTexCoordsFieldId(id))
+        return 0;
+    return UInt16(Geometry::MapTexCoords << (id - Int32(Geometry::TexCoordsFieldId)));
+}
+
+/// Checks a destination field id for calcVertexTangents: a texture
+/// coordinate field gets a new GeoTexCoords4f, anything else means none.
+GeoTexCoords4fPtr installDestination(GeometryPtr geo, Int32 &fieldId)
+{
+    if(fieldId == -1)
+        return NullFC;
+
+    if(!isTexCoordsFieldId(fieldId))
+    {
+        FWARNING(("calcVertexTangents: field id %d is no texture coordinate field, "
+                  "the result is not stored\n",
+                  fieldId));
+        fieldId = -1;
+        return NullFC;
+    }
+
+    GeoTexCoords4fPtr prop = GeoTexCoords4f::create();
+    beginEditCP(geo);
+    setTexCoordsById(geo, fieldId, prop);
+    endEditCP(geo);
+    return prop;
+}
+
+/// The attribute bits of every property the geometry has.
+UInt16 presentAttributes(GeometryPtr geo)
+{
+    UInt16 bits = 0;
+    for(UInt32 a = 0; a < PrimitiveIterator::NumAttributes; ++a)
+    {
+        if(geo->getProperty(1 << a) != NULL)
+            bits |= UInt16(1 << a);
+    }
+    return bits;
+}
+
+/// Rewrites the index tuples of a geometry: the bits of `remove` leave
+/// every mapping entry (an entry left without bits goes, with its index
+/// column), and a new last entry `add` gets the index addIndex[tuple].
+/// A single-indexed geometry first becomes a one-entry mapping of all its
+/// attributes. The caller holds the edit of the mapping and the indices.
+void appendIndexColumn(GeometryPtr geo, UInt16 remove, UInt16 add,
+                       const std::vector<UInt32> &addIndex)
+{
+    GeoIndicesPtr ind     = geo->getIndices();
+    MFUInt16     &mapping = *geo->getMFIndexMapping();
+
+    std::vector<UInt16> oldMap(mapping.begin(), mapping.end());
+    if(oldMap.empty())
+        oldMap.push_back(UInt16(presentAttributes(geo) | Geometry::MapPosition));
+
+    UInt32 n       = UInt32(oldMap.size());
+    UInt32 nTuples = ind->getSize() / n;
+
+    std::vector<bool>   keep(n);
+    std::vector<UInt16> newMap;
+    for(UInt32 j = 0; j < n; ++j)
+    {
+        UInt16 bits = UInt16(oldMap[j] & ~remove);
+        keep[j]     = bits != 0;
+        if(keep[j])
+            newMap.push_back(bits);
+    }
+    newMap.push_back(add);
+
+    std::vector<UInt32> newInd;
+    newInd.reserve(size_t(nTuples) * newMap.size());
+    for(UInt32 t = 0; t < nTuples; ++t)
+    {
+        for(UInt32 j = 0; j < n; ++j)
+        {
+            if(keep[j])
+                newInd.push_back(ind->getValue(t * n + j));
+        }
+        newInd.push_back(t < addIndex.size() ? addIndex[t] : 0);
+    }
+
+    ind->clear();
+    for(size_t i = 0; i < newInd.size(); ++i)
+        ind->push_back(newInd[i]);
+
+    mapping.clear();
+    for(size_t j = 0; j < newMap.size(); ++j)
+        mapping.push_back(newMap[j]);
+}
+
+} // namespace
+
+// --- normals -------------------------------------------------------------------------
+
+void calcVertexNormals(GeometryPtr geo)
+{
+    if(geo == NullFC || geo->getPositions() == NullFC)
+    {
+        FWARNING(("calcVertexNormals: no geometry or no positions\n"));
+        return;
+    }
+
+    std::vector<Vec3f> acc(geo->getPositions()->getSize(), Vec3f(0.f, 0.f, 0.f));
+
+    for(TriangleIterator it = geo->beginTriangles(); !it.isAtEnd(); ++it)
+    {
+        Pnt3f p0 = it.getPosition(0);
+        Vec3f n  = (it.getPosition(1) - p0).cross(it.getPosition(2) - p0);
+        for(Int32 c = 0; c < 3; ++c)
+        {
+            Int32 pi = it.getPositionIndex(c);
+            if(pi >= 0 && UInt32(pi) < acc.size())
+                acc[pi] += n;
+        }
+    }
+
+    GeoNormals3fPtr norms = GeoNormals3f::create();
+    beginEditCP(norms);
+    for(size_t i = 0; i < acc.size(); ++i)
+    {
+        acc[i].normalize();
+        norms->getField().push_back(acc[i]);
+    }
+    endEditCP(norms);
+
+    const BitVector mask = Geometry::NormalsFieldMask | Geometry::IndexMappingFieldMask |
+                           Geometry::IndicesFieldMask;
+    beginEditCP(geo, mask);
+    geo->setNormals(norms);
+
+    // the normals follow the position index
+    MFUInt16 &mapping = *geo->getMFIndexMapping();
+    if(mapping.size() == 1)
+    {
+        mapping[0] |= Geometry::MapNormal;
+    }
+    else if(mapping.size() >= 2 && geo->getIndices() != NullFC)
+    {
+        UInt16 posEntry = UInt16(geo->calcMappingIndex(Geometry::MapPosition));
+        std::vector<UInt32> posIndex;
+        UInt32              n = mapping.size();
+        for(UInt32 t = 0; t < geo->getIndices()->getSize() / n; ++t)
+            posIndex.push_back(geo->getIndices()->getValue(t * n + posEntry));
+        // the position index column gets the normal bit: it is appended
+        // anew with both bits, its old copy dropped
+        UInt16 posBits = mapping[posEntry];
+        appendIndexColumn(geo, UInt16(posBits | Geometry::MapNormal),
+                          UInt16(posBits | Geometry::MapNormal), posIndex);
+    }
+    endEditCP(geo, mask);
+}
+
+void calcVertexNormals(GeometryPtr geo, Real32 creaseAngle)
+{
+    if(creaseAngle >= Pi)
+    {
+        calcVertexNormals(geo);
+        return;
+    }
+    if(geo == NullFC || geo->getPositions() == NullFC)
+    {
+        FWARNING(("calcVertexNormals: no geometry or no positions\n"));
+        return;
+    }
+
+    struct Tri
+    {
+        Vec3f  weighted; // area-weighted normal
+        Vec3f  unit;
+        Int32  vertex[3];
+        Int32  position[3];
+    };
+
+    std::vector<Tri> tris;
+    UInt32           numVertices = 0;
+    for(TriangleIterator it = geo->beginTriangles(); !it.isAtEnd(); ++it)
+    {
+        Tri   t;
+        Pnt3f p0   = it.getPosition(0);
+        t.weighted = (it.getPosition(1) - p0).cross(it.getPosition(2) - p0);
+        t.unit     = t.weighted;
+        t.unit.normalize();
+        for(Int32 c = 0; c < 3; ++c)
+        {
+            t.vertex[c]   = it.getIndex(c);
+            t.position[c] = it.getPositionIndex(c);
+            numVertices   = std::max(numVertices, UInt32(t.vertex[c]) + 1);
+        }
+        tris.push_back(t);
+    }
+
+    std::map<Int32, std::vector<UInt32> > byPosition;
+    std::vector<Int32>                    firstTri(numVertices, -1);
+    std::vector<Int32>                    vertexPos(numVertices, -1);
+    for(UInt32 t = 0; t < tris.size(); ++t)
+    {
+        for(Int32 c = 0; c < 3; ++c)
+        {
+            byPosition[tris[t].position[c]].push_back(t);
+            if(firstTri[tris[t].vertex[c]] < 0)
+            {
+                firstTri[tris[t].vertex[c]]  = Int32(t);
+                vertexPos[tris[t].vertex[c]] = tris[t].position[c];
+            }
+        }
+    }
+
+    Real32             cosCrease = std::cos(creaseAngle);
+    std::vector<Vec3f> vertexNormal(numVertices, Vec3f(0.f, 0.f, 1.f));
+    for(UInt32 v = 0; v < numVertices; ++v)
+    {
+        if(firstTri[v] < 0)
+            continue;
+        const Vec3f              &ref = tris[firstTri[v]].unit;
+        const std::vector<UInt32> &around = byPosition[vertexPos[v]];
+        Vec3f                     sum(0.f, 0.f, 0.f);
+        UInt32                    last = UInt32(-1);
+        for(size_t i = 0; i < around.size(); ++i)
+        {
+            // a triangle that uses the position twice counts once
+            if(around[i] == last)
+                continue;
+            last = around[i];
+            if(tris[around[i]].unit.dot(ref) >= cosCrease - 1e-6f)
+                sum += tris[around[i]].weighted;
+        }
+        sum.normalize();
+        vertexNormal[v] = sum;
+    }
+
+    GeoNormals3fPtr norms = GeoNormals3f::create();
+    const BitVector mask  = Geometry::NormalsFieldMask | Geometry::IndexMappingFieldMask |
+                           Geometry::IndicesFieldMask;
+
+    if(geo->getIndices() == NullFC)
+    {
+        // non-indexed: one normal per vertex, in vertex order
+        beginEditCP(norms);
+        for(UInt32 v = 0; v < numVertices; ++v)
+            norms->getField().push_back(vertexNormal[v]);
+        endEditCP(norms);
+
+        beginEditCP(geo, mask);
+        geo->setNormals(norms);
+        endEditCP(geo, mask);
+        return;
+    }
+
+    // indexed: equal normals at one position share an entry; every index
+    // tuple gets a normal index of its own
+    std::map<std::pair<Int32, std::vector<UInt32> >, UInt32> unique;
+    std::vector<UInt32> normalIndex(numVertices, 0);
+    beginEditCP(norms);
+    for(UInt32 v = 0; v < numVertices; ++v)
+    {
+        std::vector<UInt32> bits(3);
+        std::memcpy(&bits[0], vertexNormal[v].getValues(), sizeof(Real32) * 3);
+        std::pair<Int32, std::vector<UInt32> > key(vertexPos[v], bits);
+        std::map<std::pair<Int32, std::vector<UInt32> >, UInt32>::iterator f = unique.find(key);
+        if(f == unique.end())
+        {
+            UInt32 index = norms->getField().size();
+            norms->getField().push_back(vertexNormal[v]);
+            f = unique.insert(std::make_pair(key, index)).first;
+        }
+        normalIndex[v] = f->second;
+    }
+    endEditCP(norms);
+
+    beginEditCP(geo, mask);
+    geo->setNormals(norms);
+    appendIndexColumn(geo, Geometry::MapNormal, Geometry::MapNormal, normalIndex);
+    endEditCP(geo, mask);
+}
+
+// --- tangents ------------------------------------------------------------------------
+
+void calcVertexTangents(GeometryPtr geo, Int32 srcTexIndex, Int32 dstAttribTan,
+                        Int32 dstAttribBin)
+{
+    if(geo == NullFC)
+        return;
+
+    if(dstAttribTan == dstAttribBin)
+        dstAttribBin = -1;
+
+    if(srcTexIndex < 0 || srcTexIndex > 7)
+        FWARNING(("calcVertexTangents: no texture coordinates %d\n", srcTexIndex));
+
+    GeoTexCoords4fPtr tangent  = installDestination(geo, dstAttribTan);
+    GeoTexCoords4fPtr binormal = installDestination(geo, dstAttribBin);
+
+    if(srcTexIndex < 0 || srcTexIndex > 3 || (dstAttribTan == -1 && dstAttribBin == -1))
+    {
+        FFATAL(("Index set not supported in calcVertexTangents()\n"));
+        return;
+    }
+
+    GeoIndicesPtr ind = geo->getIndices();
+    if(ind == NullFC || ind->getSize() == 0)
+    {
+        FFATAL(("Geo without indices in calcVertexTangents()\n"));
+        return;
+    }
+    if(geo->getPositions() == NullFC)
+    {
+        FFATAL(("Geo without positions in calcVertexTangents()\n"));
+        return;
+    }
+
+    UInt16 dstBits = UInt16(mapBitOfFieldId(dstAttribTan) | mapBitOfFieldId(dstAttribBin));
+    bool   single  = geo->isSingleIndex();
+
+    {
+        const BitVector mask = Geometry::IndexMappingFieldMask | Geometry::IndicesFieldMask;
+        beginEditCP(geo, mask);
+        if(single)
+        {
+            // an empty mapping already means one index for everything
+            if(geo->getMFIndexMapping()->size() == 1)
+                (*geo->getMFIndexMapping())[0] |= dstBits;
+        }
+        else
+        {
+            // every vertex gets a slot of its own: its tuple number
+            UInt32              nTuples = ind->getSize() / geo->getMFIndexMapping()->size();
+            std::vector<UInt32> tupleIndex(nTuples);
+            for(UInt32 t = 0; t < nTuples; ++t)
+                tupleIndex[t] = t;
+            appendIndexColumn(geo, dstBits, dstBits, tupleIndex);
+        }
+        endEditCP(geo, mask);
+    }
+
+    std::vector<Vec3f> tan, bin, nrm;
+    for(TriangleIterator it = geo->beginTriangles(); !it.isAtEnd(); ++it)
+    {
+        Vec2f t0 = it.getTexCoordsN(UInt32(srcTexIndex), 0);
+        Vec2f t1 = it.getTexCoordsN(UInt32(srcTexIndex), 1);
+        Vec2f t2 = it.getTexCoordsN(UInt32(srcTexIndex), 2);
+        Pnt3f p0 = it.getPosition(0);
+        Vec3f e1 = it.getPosition(1) - p0;
+        Vec3f e2 = it.getPosition(2) - p0;
+        Vec2f d1 = t1 - t0;
+        Vec2f d2 = t2 - t0;
+
+        Real32 det = d1[0] * d2[1] - d2[0] * d1[1];
+        Real32 r   = det != 0.f ? 1.f / det : 0.f;
+        Vec3f  T   = (e1 * d2[1] - e2 * d1[1]) * r;
+        Vec3f  B   = (e2 * d1[0] - e1 * d2[0]) * r;
+
+        for(Int32 c = 0; c < 3; ++c)
+        {
+            Int32 slot = single ? it.getPositionIndex(c) : it.getIndex(c);
+            if(slot < 0)
+                continue;
+            if(UInt32(slot) >= tan.size())
+            {
+                tan.resize(slot + 1, Vec3f(0.f, 0.f, 0.f));
+                bin.resize(slot + 1, Vec3f(0.f, 0.f, 0.f));
+                nrm.resize(slot + 1, Vec3f(0.f, 0.f, 0.f));
+            }
+            tan[slot] += T;
+            bin[slot] += B;
+            nrm[slot] = it.getNormal(c);
+        }
+    }
+
+    std::vector<Vec4f> outTan(tan.size()), outBin(tan.size());
+    for(size_t i = 0; i < tan.size(); ++i)
+    {
+        const Vec3f &N = nrm[i];
+        Vec3f        T = tan[i];
+        Vec3f        B = bin[i];
+
+        Real32 sign = N.cross(T).dot(B) < 0.f ? -1.f : 1.f;
+
+        T = T - N * N.dot(T);
+        T.normalize();
+        B = B - N * N.dot(B) - T * T.dot(B);
+        B.normalize();
+
+        outTan[i].setValues(T[0], T[1], T[2], sign);
+        outBin[i].setValues(B[0], B[1], B[2], sign);
+    }
+
+    if(tangent != NullFC)
+    {
+        beginEditCP(tangent);
+        tangent->getField().setValues(outTan);
+        endEditCP(tangent);
+    }
+    if(binormal != NullFC)
+    {
+        beginEditCP(binormal);
+        binormal->getField().setValues(outBin);
+        endEditCP(binormal);
+    }
+}
+
+// --- counting ------------------------------------------------------------------------
+
+void calcPrimitiveCount(GeometryPtr geo, UInt32 &triangle, UInt32 &line, UInt32 &point)
+{
+    triangle = line = point = 0;
+    if(geo == NullFC)
+        return;
+
+    for(PrimitiveIterator it = geo->beginPrimitives(); !it.isAtEnd(); ++it)
+    {
+        UInt32 len = it.getLength();
+        switch(it.getType())
+        {
+            case GL_POINTS:         point += len; break;
+            case GL_LINES:          line += len / 2; break;
+            case GL_LINE_STRIP:     line += len >= 2 ? len - 1 : 0; break;
+            case GL_LINE_LOOP:      line += len >= 2 ? len : 0; break;
+            case GL_TRIANGLES:      triangle += len / 3; break;
+            case GL_TRIANGLE_STRIP:
+            case GL_TRIANGLE_FAN:
+            case GL_POLYGON:        triangle += len >= 3 ? len - 2 : 0; break;
+            case GL_QUADS:          triangle += (len / 4) * 2; break;
+            case GL_QUAD_STRIP:     triangle += len >= 4 ? (len / 2 - 1) * 2 : 0; break;
+        }
+    }
+}
+
+OSG_END_NAMESPACE

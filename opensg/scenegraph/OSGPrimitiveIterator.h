@@ -1,0 +1,106 @@
+/// Walks the primitives of a geometry: the GL mode and length of each, and
+/// for each of its vertices the index and value of every attribute, with
+/// the index mapping resolved (no indices, single indices, or one index per
+/// attribute group).
+// Geometry includes the iterators at its end, so it comes first, outside
+// the guard: whichever header is included first, the classes are complete
+// in the right order.
+#include <OpenSG/OSGGeometry.h>
+
+#ifndef _OSGPRIMITIVEITERATOR_H_
+#define _OSGPRIMITIVEITERATOR_H_
+
+OSG_BEGIN_NAMESPACE
+
+class PrimitiveIterator
+{
+  public:
+    /// The attributes in index-mapping bit order (bit = 1 << attribute).
+    enum Attribute
+    {
+        Positions       = 0,
+        Normals         = 1,
+        Colors          = 2,
+        SecondaryColors = 3,
+        TexCoords       = 4, // units 0..7 follow
+        NumAttributes   = 12
+    };
+
+    PrimitiveIterator(void);
+    explicit PrimitiveIterator(const GeometryPtr &geo);
+    /// The geometry of the node's core (none if it is not a geometry).
+    explicit PrimitiveIterator(const NodePtr &geo);
+
+    void setGeo(const GeometryPtr &geo);
+    void setGeo(const NodePtr &geo);
+
+    void setToBegin(void);
+    void setToEnd(void);
+    /// Moves to primitive index (to the end if there is no such primitive).
+    void seek(Int32 index);
+
+    PrimitiveIterator &operator++(void);
+
+    bool isAtEnd(void) const;
+
+    /// The running number of the current primitive.
+    Int32  getIndex(void) const { return _primIndex; }
+    UInt32 getType(void) const { return _type; }
+    UInt32 getLength(void) const { return _length; }
+
+    /// Vertex number of the which-th vertex of this primitive within the
+    /// whole geometry (the position in the index tuples).
+    Int32 getIndexIndex(Int32 which) const { return Int32(_actPointIndex) + which; }
+
+    /// The index of an attribute for the which-th vertex; -1 where the
+    /// geometry has no such attribute or the mapping leaves it out.
+    Int32 getAttribIndex(UInt32 attribute, Int32 which) const;
+
+    Int32 getPositionIndex(Int32 which) const { return getAttribIndex(Positions, which); }
+    Int32 getNormalIndex(Int32 which) const { return getAttribIndex(Normals, which); }
+    Int32 getColorIndex(Int32 which) const { return getAttribIndex(Colors, which); }
+    Int32 getSecondaryColorIndex(Int32 which) const
+    {
+        return getAttribIndex(SecondaryColors, which);
+    }
+    Int32 getTexCoordsIndex(Int32 which) const { return getAttribIndex(TexCoords, which); }
+    Int32 getTexCoordsIndex1(Int32 which) const { return getAttribIndex(TexCoords + 1, which); }
+    Int32 getTexCoordsIndex2(Int32 which) const { return getAttribIndex(TexCoords + 2, which); }
+    Int32 getTexCoordsIndex3(Int32 which) const { return getAttribIndex(TexCoords + 3, which); }
+
+    /// Attribute values; zero where the index is -1 or out of range.
+    Pnt3f   getPosition(Int32 which) const;
+    Vec3f   getNormal(Int32 which) const;
+    Color3f getColor(Int32 which) const;
+    Color3f getSecondaryColor(Int32 which) const;
+    Vec2f   getTexCoords(Int32 which) const { return getTexCoordsN(0, which); }
+    Vec2f   getTexCoords1(Int32 which) const { return getTexCoordsN(1, which); }
+    Vec2f   getTexCoords2(Int32 which) const { return getTexCoordsN(2, which); }
+    Vec2f   getTexCoords3(Int32 which) const { return getTexCoordsN(3, which); }
+    Vec2f   getTexCoordsN(UInt32 unit, Int32 which) const;
+
+    GeometryPtr getGeometry(void) const { return _geo; }
+
+    bool operator==(const PrimitiveIterator &other) const;
+    bool operator!=(const PrimitiveIterator &other) const { return !(*this == other); }
+    bool operator<(const PrimitiveIterator &other) const;
+
+  private:
+    void startPrimitive(void);
+    Int32 vertexIndex(UInt32 attribute, UInt32 vertex) const;
+
+    GeometryPtr _geo;
+    Int32       _primIndex;
+    UInt32      _numPrimitives;
+    UInt32      _actPointIndex;
+    UInt32      _type;
+    UInt32      _length;
+    UInt32      _numVertices; // vertices the indices or positions provide
+    bool        _haveBound;   // whether _numVertices limits the primitives
+    UInt32      _numMappings; // index entries per vertex (at least 1)
+    Int16       _mapIndex[NumAttributes];
+};
+
+OSG_END_NAMESPACE
+
+#endif
