@@ -82,6 +82,24 @@ class Node : public NodeBase
 
 typedef Node *NodeP;
 
+inline NodePtr::NodePtr(const Node &source) : Inherited(source)
+{
+}
+
+inline NodePtr::NodePtr(const Node *source) : Inherited(source)
+{
+}
+
+inline NodePtr::NodePtr(const Node *source, UInt32 containerSize)
+    : Inherited(source, containerSize)
+{
+}
+
+inline Node *CNodePtr::getNode(void) const
+{
+    return NodePtr::getCPtr();
+}
+
 inline NodeCorePtr NodePtr::getCore(void) const
 {
     return (*this)->getCore();

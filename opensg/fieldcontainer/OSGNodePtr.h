@@ -20,9 +20,10 @@ class NodePtr : public FCPtr<AttachmentContainerPtr, Node>
     NodePtr &operator=(const NodePtr &source) = default;
     NodePtr(const Inherited &source) : Inherited(source) {}
     NodePtr(const NullFieldContainerPtr &) : Inherited() {}
-    explicit NodePtr(const Node &source) : Inherited(source) {}
-    explicit NodePtr(const Node *source) : Inherited(source) {}
-    NodePtr(const Node *source, UInt32 containerSize) : Inherited(source, containerSize) {}
+    // these need the complete Node; OSGNode.h defines them
+    explicit NodePtr(const Node &source);
+    explicit NodePtr(const Node *source);
+    NodePtr(const Node *source, UInt32 containerSize);
 
     /// The node's core, NullFC for none.
     NodeCorePtr getCore(void) const;
@@ -49,7 +50,7 @@ class CNodePtr : public NodePtr
     NodeCore &operator*(void) const { return *operator->(); }
     NodeCore *getCPtr(void) const;
 
-    Node *getNode(void) const { return NodePtr::getCPtr(); }
+    Node *getNode(void) const;
 };
 
 template <>

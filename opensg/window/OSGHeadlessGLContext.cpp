@@ -283,6 +283,7 @@ HeadlessGLContext::HeadlessGLContext(void) :
     _width             (0),
     _height            (0),
     _fbo               (0),
+    _pbufferBacked     (false),
     _colorBuffer       (0),
     _depthStencilBuffer(0),
     _funcs             (nullptr)
@@ -360,6 +361,14 @@ bool HeadlessGLContext::open(UInt32 width, UInt32 height, bool framebuffer)
     return false;
 }
 
+void *HeadlessGLContext::createPbuffer(void *display, void *config, UInt32 width, UInt32 height)
+{
+    const EGLint attribs[] = {EGL_WIDTH, EGLint(width > 0 ? width : 1),
+                              EGL_HEIGHT, EGLint(height > 0 ? height : 1), EGL_NONE};
+    return eglCreatePbufferSurface(static_cast<EGLDisplay>(display),
+                                   static_cast<EGLConfig>(config), attribs);
+}
+
 bool HeadlessGLContext::createContext(void *display)
 {
     EGLDisplay dpy = static_cast<EGLDisplay>(display);
@@ -371,14 +380,17 @@ bool HeadlessGLContext::createContext(void *display)
         return false;
     }
 
-    // The config only matters for the pbuffer fallback; the colour and depth
-    // buffers that rendering sees are the framebuffer object's.
+    // A pbuffer of the window's size is the window's back buffer, so that
+    // framebuffer 0 is real: code that renders into its own framebuffer
+    // objects and binds 0 afterwards lands in the window, as on screen.
     const EGLint pbufferAttribs[] = {EGL_SURFACE_TYPE,    EGL_PBUFFER_BIT,
                                      EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,
                                      EGL_RED_SIZE,        8,
                                      EGL_GREEN_SIZE,      8,
                                      EGL_BLUE_SIZE,       8,
                                      EGL_ALPHA_SIZE,      8,
+                                     EGL_DEPTH_SIZE,      24,
+                                     EGL_STENCIL_SIZE,    8,
                                      EGL_NONE};
     const EGLint anyAttribs[]     = {EGL_SURFACE_TYPE,    0,
                                      EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,
@@ -453,25 +465,24 @@ bool HeadlessGLContext::createContext(void *display)
 
     bool current = false;
 
-    if(hasToken(ext, "EGL_KHR_surfaceless_context"))
+    if(canPbuffer)
     {
-        current = eglMakeCurrent(dpy, EGL_NO_SURFACE, EGL_NO_SURFACE, ctx) ==
-                  EGL_TRUE;
-    }
-
-    if(!current && canPbuffer)
-    {
-        // The pbuffer is never drawn to; it only lets the context become
-        // current on implementations that insist on a surface.
-        const EGLint pbAttribs[] = {EGL_WIDTH, 1, EGL_HEIGHT, 1, EGL_NONE};
-
-        EGLSurface surf = eglCreatePbufferSurface(dpy, config, pbAttribs);
+        EGLSurface surf = createPbuffer(dpy, config, _width, _height);
 
         if(surf != EGL_NO_SURFACE)
         {
             _surface = surf;
             current  = eglMakeCurrent(dpy, surf, surf, ctx) == EGL_TRUE;
+            _pbufferBacked = current;
         }
+    }
+
+    // Without pbuffers a surfaceless context renders into a framebuffer
+    // object that stands in for the back buffer.
+    if(!current && hasToken(ext, "EGL_KHR_surfaceless_context"))
+    {
+        current = eglMakeCurrent(dpy, EGL_NO_SURFACE, EGL_NO_SURFACE, ctx) ==
+                  EGL_TRUE;
     }
 
     if(!current)
@@ -570,6 +581,14 @@ bool HeadlessGLContext::createFramebuffer(void)
     while(glGetError() != GL_NO_ERROR)
         ;
 
+    if(_pbufferBacked)
+    {
+        // the pbuffer is the back buffer; framebuffer 0 is the window's
+        f->bindFramebuffer(GL_FRAMEBUFFER, 0);
+        glViewport(0, 0, GLsizei(_width), GLsizei(_height));
+        return glGetError() == GL_NO_ERROR;
+    }
+
     GLuint fbo = 0, rb[2] = {0, 0};
 
     f->genFramebuffers(1, &fbo);
@@ -660,7 +679,7 @@ bool HeadlessGLContext::allocateStorage(UInt32 width, UInt32 height)
 
 bool HeadlessGLContext::isInitialized(void) const
 {
-    return _fbo != 0;
+    return _fbo != 0 || (_pbufferBacked && _funcs != nullptr);
 }
 
 bool HeadlessGLContext::makeCurrent(void)
@@ -730,8 +749,26 @@ bool HeadlessGLContext::resize(UInt32 width, UInt32 height)
     if(width == _width && height == _height)
         return true;
 
-    if(!allocateStorage(width, height))
+    if(_pbufferBacked)
+    {
+        // a new pbuffer of the new size; the context and its objects stay
+        EGLDisplay dpy  = static_cast<EGLDisplay>(_display);
+        EGLSurface surf = createPbuffer(dpy, static_cast<EGLConfig>(_config), width, height);
+        if(surf == EGL_NO_SURFACE || eglMakeCurrent(dpy, surf, surf, _context) != EGL_TRUE)
+        {
+            if(surf != EGL_NO_SURFACE)
+                eglDestroySurface(dpy, surf);
+            FWARNING(("HeadlessGLContext: can't resize the back buffer to %ux%u\n", width,
+                      height));
+            return false;
+        }
+        eglDestroySurface(dpy, static_cast<EGLSurface>(_surface));
+        _surface = surf;
+    }
+    else if(!allocateStorage(width, height))
+    {
         return false;
+    }
 
     _width  = width;
     _height = height;
@@ -829,7 +866,10 @@ bool HeadlessGLContext::readPixels(UInt32 x,
     }
 
     _funcs->bindFramebuffer(GL_READ_FRAMEBUFFER, _fbo);
-    glReadBuffer(GL_COLOR_ATTACHMENT0);
+    // the read buffer belongs to the framebuffer: put it back afterwards
+    GLint readBuffer = 0;
+    glGetIntegerv(GL_READ_BUFFER, &readBuffer);
+    glReadBuffer(_fbo != 0 ? GL_COLOR_ATTACHMENT0 : GL_BACK);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glPixelStorei(GL_PACK_ROW_LENGTH, 0);
     glPixelStorei(GL_PACK_SKIP_ROWS, 0);
@@ -844,6 +884,7 @@ bool HeadlessGLContext::readPixels(UInt32 x,
     glPixelStorei(GL_PACK_ROW_LENGTH, rowLength);
     glPixelStorei(GL_PACK_SKIP_ROWS, skipRows);
     glPixelStorei(GL_PACK_SKIP_PIXELS, skipPixels);
+    glReadBuffer(GLenum(readBuffer));
     _funcs->bindFramebuffer(GL_READ_FRAMEBUFFER, GLuint(readFbo));
     if(bindBuffer != nullptr)
         bindBuffer(GL_PIXEL_PACK_BUFFER, GLuint(packBuffer));
@@ -924,6 +965,7 @@ void HeadlessGLContext::destroy(void)
     _surface            = EGL_NO_SURFACE;
     _funcs              = nullptr;
     _fbo                = 0;
+    _pbufferBacked      = false;
     _colorBuffer        = 0;
     _depthStencilBuffer = 0;
     _width              = 0;

@@ -109,6 +109,7 @@ class HeadlessGLContext
     bool open(UInt32 width, UInt32 height, bool framebuffer);
     bool createContext(void *display);
     bool createFramebuffer(void);
+    void *createPbuffer(void *display, void *config, UInt32 width, UInt32 height);
     bool allocateStorage(UInt32 width, UInt32 height);
     void destroy(void);
 
@@ -124,6 +125,7 @@ class HeadlessGLContext
     UInt32 _width;
     UInt32 _height;
     UInt32 _fbo;
+    bool   _pbufferBacked;
     UInt32 _colorBuffer;
     UInt32 _depthStencilBuffer;
 

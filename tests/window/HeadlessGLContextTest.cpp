@@ -123,10 +123,12 @@ TEST_F(HeadlessGLContextTest, ComesUpWithACompatibilityContextAndItsFramebuffer)
     EXPECT_EQ(ctx.getWidth(), 16u);
     EXPECT_EQ(ctx.getHeight(), 12u);
 
+    // with a pbuffer the back buffer is framebuffer 0 itself
     GLint bound = -1;
     glGetIntegerv(GL_FRAMEBUFFER_BINDING, &bound);
-    EXPECT_NE(ctx.getFramebufferId(), 0u);
     EXPECT_EQ(GLuint(bound), ctx.getFramebufferId());
+    if(!ctx.isSurfaceless())
+        EXPECT_EQ(ctx.getFramebufferId(), 0u);
     EXPECT_NE(ctx.getProcAddress("glGenFramebuffers"), nullptr);
     EXPECT_EQ(ctx.getProcAddress(nullptr), nullptr);
 }
@@ -240,7 +242,6 @@ TEST_F(HeadlessGLContextTest, TwoContextsKeepTheirOwnPixelsAcrossSwitches)
         ASSERT_TRUE(other.init(8, 8));
         EXPECT_TRUE(other.isCurrent());
         EXPECT_FALSE(ctx.isCurrent());
-        EXPECT_NE(other.getFramebufferId(), 0u);
         pixelOrtho(8, 8);
         clearTo(Green);
 
@@ -316,4 +317,32 @@ TEST(HeadlessGLContextPlatform, EnvironmentForcesThePlatform)
         clearTo(Grey);
         expectRect(ctx, 0, 0, 0, 0, Red, Grey);
     }
+}
+
+TEST_F(HeadlessGLContextTest, BindingFramebufferZeroDrawsIntoTheBackBuffer)
+{
+    if(ctx.isSurfaceless())
+        GTEST_SKIP() << "no pbuffer: the back buffer is a framebuffer object";
+
+    // render-to-texture code binds its own framebuffer, then 0 to return
+    auto gen  = reinterpret_cast<PFNGLGENFRAMEBUFFERSPROC>(ctx.getProcAddress("glGenFramebuffers"));
+    auto bind = reinterpret_cast<PFNGLBINDFRAMEBUFFERPROC>(ctx.getProcAddress("glBindFramebuffer"));
+    auto del  = reinterpret_cast<PFNGLDELETEFRAMEBUFFERSPROC>(
+        ctx.getProcAddress("glDeleteFramebuffers"));
+    GLuint fbo = 0;
+    gen(1, &fbo);
+    bind(GL_FRAMEBUFFER, fbo);
+    bind(GL_FRAMEBUFFER, 0);
+    del(1, &fbo);
+    clearTo(Green);
+    expectRect(ctx, 0, 0, 0, 0, Green, Green);
+
+    // and a resized back buffer keeps working the same way
+    ASSERT_TRUE(ctx.resize(40, 30));
+    glViewport(0, 0, 40, 30);
+    clearTo(Red);
+    std::vector<UInt8> px(40 * 30 * 4);
+    ASSERT_TRUE(ctx.readPixels(0, 0, 40, 30, GL_RGBA, GL_UNSIGNED_BYTE, px.data()));
+    EXPECT_EQ(px[(29 * 40 + 39) * 4], 255);
+    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
 }
