@@ -1,12 +1,17 @@
 #!/usr/bin/env bash
-# The main job: installs what is missing, builds, and runs the main program.
+# The main job: installs what is missing, builds, and renders the demo scenes
+# headless to PNG files in build/demo/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/deps.sh
 scripts/build.sh build -DCORVANE_BENCH=OFF
 
+mkdir -p build/demo
+echo "== shaded scene"
+build/bin/corvane render build/demo/shaded.png 800 600
+echo "== the same, DXT1-compressed to DDS"
+build/bin/corvane dxt build/demo/shaded.png build/demo/shaded.dds dxt1
 echo "== field-container types"
 build/bin/corvane types
-echo "== a node, a group"
-build/bin/corvane fields Node Group
+ls -l build/demo

@@ -3,6 +3,7 @@
 //   corvane types                         lists every field-container type
 //   corvane fields TYPE...                creates each type by name and prints its fields
 //   corvane dxt IN.png OUT.dds [dxt1|dxt5] compresses an image to a DDS file
+//   corvane render OUT.png [W H]          renders the demo scene headless to PNG
 #include <OpenSG/OSGBaseInitFunctions.h>
 #include <OpenSG/OSGFieldContainer.h>
 #include <OpenSG/OSGFieldContainerFactory.h>
@@ -13,10 +14,12 @@
 #include <OpenSG/DXTCompressor.h>
 
 #include "DDSWriter.h"
+#include "DemoScene.h"
 
 #include <fstream>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -30,7 +33,8 @@ int usage(void)
     fprintf(stderr,
             "usage: corvane types\n"
             "       corvane fields TYPE...\n"
-            "       corvane dxt IN.png OUT.dds [dxt1|dxt5]\n");
+            "       corvane dxt IN.png OUT.dds [dxt1|dxt5]\n"
+            "       corvane render OUT.png [WIDTH HEIGHT]\n");
     return 2;
 }
 
@@ -162,6 +166,15 @@ int main(int argc, char **argv)
         result = showFields(argc - 2, argv + 2);
     else if(strcmp(argv[1], "dxt") == 0 && argc > 3)
         result = compressToDDS(argc - 2, argv + 2);
+    else if(strcmp(argv[1], "render") == 0 && (argc == 3 || argc == 5))
+    {
+        UInt32 width  = argc == 5 ? UInt32(atoi(argv[3])) : 800;
+        UInt32 height = argc == 5 ? UInt32(atoi(argv[4])) : 600;
+        if(width == 0 || height == 0 || width > 8192 || height > 8192)
+            result = usage();
+        else
+            result = corvane::renderShadedScene(argv[2], width, height) ? 0 : 1;
+    }
     else
         result = usage();
 
