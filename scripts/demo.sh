@@ -7,6 +7,7 @@ cd "$(dirname "$0")/.."
 scripts/deps.sh
 scripts/build.sh build -DCORVANE_BENCH=OFF
 
+cmake --build build --target sample_volumes
 mkdir -p build/demo
 echo "== shaded scene"
 build/bin/corvane render build/demo/shaded.png 800 600

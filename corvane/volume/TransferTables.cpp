@@ -259,16 +259,12 @@ void TransferTables::preIntegrateBytes(const UInt8 *table, UInt64 tableBytes,
         integral[k + 1][3] = integral[k][3] + 0.5 * (t0[3] + t1[3]);
     }
 
-    for(UInt32 y = 0; y < n; ++y)
+    // The table is symmetric: each pair is computed once and written to
+    // both of its texels, the row stride fixed at 256 whatever the image.
+    for(UInt32 hi = 0; hi < n; ++hi)
     {
-        for(UInt32 x = 0; x < n; ++x)
+        for(UInt32 lo = 0; lo <= hi; ++lo)
         {
-            UInt64 offset = (UInt64(y) * n + x) * 8;
-            if(offset + 8 > outBytes)
-                return;
-
-            UInt32 lo = std::min(x, y);
-            UInt32 hi = std::max(x, y);
             double entry[4];
             if(lo == hi)
             {
@@ -288,7 +284,13 @@ void TransferTables::preIntegrateBytes(const UInt8 *table, UInt64 tableBytes,
             unsigned short bits[4];
             for(UInt32 c = 0; c < 4; ++c)
                 bits[c] = halfOf(entry[c]);
-            std::memcpy(out + offset, bits, 8);
+
+            const UInt64 below = (UInt64(hi) * n + lo) * 8;
+            const UInt64 above = (UInt64(lo) * n + hi) * 8;
+            if(below + 8 <= outBytes)
+                std::memcpy(out + below, bits, 8);
+            if(above + 8 <= outBytes)
+                std::memcpy(out + above, bits, 8);
         }
     }
 }

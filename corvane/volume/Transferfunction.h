@@ -97,7 +97,8 @@ class Transferfunction
     bool loadTransferfunction(std::string fileName);
 
     /// Bake a list into the opacity or the colour channels of an image made
-    /// for the current mode, and keep a copy of it as the current list.
+    /// for the current mode, and keep a copy of it as the current list. An
+    /// empty list leaves the channels as they are.
     void setAlphaValues(osg::ImagePtr &image, const AlphaPoints &points);
     void setColorValues(osg::ImagePtr &image, const ColorPoints &points);
 
@@ -141,7 +142,7 @@ class Transferfunction
     /// The table's image, NullFC without chunk or image.
     osg::ImagePtr getTableImage(void) const;
 
-    /// The same as a shader text of every transfer function.
+    /// compositeColor, the same in the text of every transfer function.
     static const char *const _compositeShader;
 
     osg::Int32           _mode;

@@ -19,6 +19,36 @@ inline UInt16 swapped(UInt16 v)
     return UInt16((v >> 8) | (v << 8));
 }
 
+/// lo = min(lo, srcLo) and hi = max(hi, srcHi), element by element.
+template <class T>
+void mergeRange(T *__restrict lo, T *__restrict hi, const T *__restrict srcLo,
+                const T *__restrict srcHi, UInt64 n)
+{
+    UInt64 i = 0;
+    for(; i + Lanes <= n; i += Lanes)
+    {
+        for(UInt32 j = 0; j < Lanes; ++j)
+        {
+            T l       = srcLo[i + j];
+            T u       = srcHi[i + j];
+            lo[i + j] = l < lo[i + j] ? l : lo[i + j];
+            hi[i + j] = u > hi[i + j] ? u : hi[i + j];
+        }
+    }
+    for(; i < n; ++i)
+    {
+        lo[i] = std::min(lo[i], srcLo[i]);
+        hi[i] = std::max(hi[i], srcHi[i]);
+    }
+}
+
+/// The voxel range [b * bs - 1, b * bs + bs] of block b, clipped to [0, n).
+inline void blockSpan(UInt32 b, UInt32 bs, UInt32 n, UInt32 &first, UInt32 &end)
+{
+    first = b * bs == 0 ? 0 : b * bs - 1;
+    end   = std::min(n, b * bs + bs + 1);
+}
+
 template <class T>
 void blockMinMaxT(const T *v, UInt32 w, UInt32 h, UInt32 d, UInt32 bs, T *cells)
 {
@@ -30,83 +60,58 @@ void blockMinMaxT(const T *v, UInt32 w, UInt32 h, UInt32 d, UInt32 bs, T *cells)
     if(bw == 0 || bh == 0 || bd == 0)
         return;
 
-    const T top = std::numeric_limits<T>::max();
-    // A block reaches one voxel past its far side: nothing beyond the last
-    // block's border is needed.
-    const UInt32 usedH = std::min(h, bh * bs + 1);
-    const UInt32 usedD = std::min(d, bd * bs + 1);
-    const UInt64 plane = UInt64(bh) * bw;
+    const T      top   = std::numeric_limits<T>::max();
+    const UInt64 slice = UInt64(w) * h;
 
-    // The box is separable: ranges along x per row, then along y per slice,
-    // then along z, each a short sequential pass.
-    std::vector<T> rowLo(UInt64(usedH) * bw), rowHi(UInt64(usedH) * bw);
-    std::vector<T> sliceLo(usedD * plane), sliceHi(usedD * plane);
-    std::vector<T> lo(std::max<UInt64>(plane, bw)), hi(std::max<UInt64>(plane, bw));
-
-    for(UInt32 z = 0; z < usedD; ++z)
-    {
-        const T *slice = v + UInt64(z) * w * h;
-        for(UInt32 y = 0; y < usedH; ++y)
-        {
-            const T *row = slice + UInt64(y) * w;
-            for(UInt32 bx = 0; bx < bw; ++bx)
-            {
-                UInt32 x0 = bx * bs == 0 ? 0 : bx * bs - 1;
-                UInt32 x1 = std::min(w, bx * bs + bs + 1);
-                T      l  = top;
-                T      u  = 0;
-                for(UInt32 x = x0; x < x1; ++x)
-                {
-                    l = std::min(l, row[x]);
-                    u = std::max(u, row[x]);
-                }
-                rowLo[UInt64(y) * bw + bx] = l;
-                rowHi[UInt64(y) * bw + bx] = u;
-            }
-        }
-        for(UInt32 by = 0; by < bh; ++by)
-        {
-            UInt32 y0 = by * bs == 0 ? 0 : by * bs - 1;
-            UInt32 y1 = std::min(usedH, by * bs + bs + 1);
-            std::fill(lo.begin(), lo.begin() + bw, top);
-            std::fill(hi.begin(), hi.begin() + bw, T(0));
-            for(UInt32 y = y0; y < y1; ++y)
-            {
-                const T *rl = &rowLo[UInt64(y) * bw];
-                const T *rh = &rowHi[UInt64(y) * bw];
-                for(UInt32 bx = 0; bx < bw; ++bx)
-                {
-                    lo[bx] = std::min(lo[bx], rl[bx]);
-                    hi[bx] = std::max(hi[bx], rh[bx]);
-                }
-            }
-            UInt64 base = UInt64(z) * plane + UInt64(by) * bw;
-            std::copy(lo.begin(), lo.begin() + bw, sliceLo.begin() + base);
-            std::copy(hi.begin(), hi.begin() + bw, sliceHi.begin() + base);
-        }
-    }
+    // The box is separable. Along z first, over whole slices, and then
+    // along y over whole rows, both as wide vector passes; the pass along x
+    // is left with a 1/bs^2 share of the voxels.
+    std::vector<T> zLo(slice), zHi(slice);
+    std::vector<T> yLo(UInt64(bh) * w), yHi(UInt64(bh) * w);
 
     for(UInt32 bz = 0; bz < bd; ++bz)
     {
-        UInt32 z0 = bz * bs == 0 ? 0 : bz * bs - 1;
-        UInt32 z1 = std::min(usedD, bz * bs + bs + 1);
-        std::fill(lo.begin(), lo.begin() + plane, top);
-        std::fill(hi.begin(), hi.begin() + plane, T(0));
+        UInt32 z0, z1;
+        blockSpan(bz, bs, d, z0, z1);
+        std::fill(zLo.begin(), zLo.end(), top);
+        std::fill(zHi.begin(), zHi.end(), T(0));
         for(UInt32 z = z0; z < z1; ++z)
         {
-            const T *sl = &sliceLo[UInt64(z) * plane];
-            const T *sh = &sliceHi[UInt64(z) * plane];
-            for(UInt64 j = 0; j < plane; ++j)
-            {
-                lo[j] = std::min(lo[j], sl[j]);
-                hi[j] = std::max(hi[j], sh[j]);
-            }
+            const T *s = v + UInt64(z) * slice;
+            mergeRange(zLo.data(), zHi.data(), s, s, slice);
         }
-        T *out = cells + UInt64(bz) * plane * 2;
-        for(UInt64 j = 0; j < plane; ++j)
+
+        for(UInt32 by = 0; by < bh; ++by)
         {
-            out[2 * j]     = lo[j];
-            out[2 * j + 1] = hi[j];
+            UInt32 y0, y1;
+            blockSpan(by, bs, h, y0, y1);
+            T *rowLo = &yLo[UInt64(by) * w];
+            T *rowHi = &yHi[UInt64(by) * w];
+            std::fill(rowLo, rowLo + w, top);
+            std::fill(rowHi, rowHi + w, T(0));
+            for(UInt32 y = y0; y < y1; ++y)
+                mergeRange(rowLo, rowHi, &zLo[UInt64(y) * w], &zHi[UInt64(y) * w], w);
+        }
+
+        T *out = cells + UInt64(bz) * bh * bw * 2;
+        for(UInt32 by = 0; by < bh; ++by)
+        {
+            const T *rowLo = &yLo[UInt64(by) * w];
+            const T *rowHi = &yHi[UInt64(by) * w];
+            for(UInt32 bx = 0; bx < bw; ++bx, out += 2)
+            {
+                UInt32 x0, x1;
+                blockSpan(bx, bs, w, x0, x1);
+                T l = top;
+                T u = 0;
+                for(UInt32 x = x0; x < x1; ++x)
+                {
+                    l = std::min(l, rowLo[x]);
+                    u = std::max(u, rowHi[x]);
+                }
+                out[0] = l;
+                out[1] = u;
+            }
         }
     }
 }

@@ -90,6 +90,11 @@ class FieldContainerPtrBase
 
     void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
+    /// Which field of the holder refers through this pointer (properties
+    /// of a geometry record it); InvalidParentEPos when none.
+    UInt16 getParentFieldPos(void) const { return _uiParentEPos; }
+    void setParentFieldPos(UInt16 pos) { _uiParentEPos = pos; }
+
   protected:
     /// Pointer to the container whose current-aspect copy is pObj.
     FieldContainerPtrBase(const FieldContainer *pObj, UInt32 containerSize)
@@ -277,8 +282,12 @@ class CPEditor
 #define CPEdit(fc, mask) OSG::CPEditor CPEdit_##fc((fc), (mask))
 #define CPEditAll(fc) OSG::CPEditor CPEdit_##fc((fc))
 
+/// The current-aspect object, typed as the pointer's class.
 template <class PtrT>
-inline FieldContainer *getCPtr(const PtrT &objectP) { return objectP.getCPtr(); }
+inline auto getCPtr(const PtrT &objectP) -> decltype(objectP.getCPtr())
+{
+    return objectP.getCPtr();
+}
 
 inline UInt32 getContainerId(const FieldContainerPtrBase &objectP)
 {

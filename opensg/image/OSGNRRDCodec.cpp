@@ -96,10 +96,27 @@ void quietTeem(void)
     nrrdStateVerboseIO = 0;
 }
 
+/// True when the first line is a NRRD magic ("NRRD0001" to "NRRD0009" or
+/// "NRRD00.01", optionally ended by CR LF). Only then does Teem take the
+/// file for a NRRD; with anything else it would try its other formats.
 bool hasMagic(const UInt8 *data, UInt64 size)
 {
-    return size >= sizeof(Magic) - 1 &&
-           std::memcmp(data, Magic, sizeof(Magic) - 1) == 0;
+    if(data == NULL || size < sizeof(Magic))
+        return false;
+
+    UInt64 end = 0;
+    while(end < size && end < 16 && data[end] != '\n')
+        ++end;
+    if(end == size || data[end] != '\n')
+        return false;
+    if(end > 0 && data[end - 1] == '\r')
+        --end;
+
+    const std::string line(reinterpret_cast<const char *>(data), size_t(end));
+
+    return (line.size() == 8 && line.compare(0, 7, Magic) == 0 &&
+            line[7] >= '1' && line[7] <= '9') ||
+           line == "NRRD00.01";
 }
 
 /// True when a header line (up to the first empty line) could be a "data
@@ -358,7 +375,7 @@ bool readNRRDFile(const char *fileName, VolumeLayout &layout,
         return false;
     }
 
-    UInt8  start[sizeof(Magic) - 1];
+    UInt8  start[16];
     size_t got = std::fread(start, 1, sizeof(start), probe);
     std::fclose(probe);
 

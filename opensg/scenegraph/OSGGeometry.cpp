@@ -98,10 +98,7 @@ void Geometry::onCreate(const Geometry *)
         return;
 
     GeometryPtr thisP = getPtr();
-    UInt32      id    = Window::registerGLObject(
-        osgTypedMethodVoidFunctor2ObjCPtrPtr<GeometryPtr, Window, UInt32>(thisP,
-                                                                         &Geometry::handleGL),
-        2);
+    UInt32      id    = Window::registerGLObject(makeGLFunctor(thisP), 2);
 
     beginEditCP(thisP, GLIdFieldMask);
     setGLId(Int32(id));
@@ -179,7 +176,12 @@ void Geometry::setProperty(SField<PropPtrT> &field, const PropPtrT &value, UInt3
 
     addRefCP(value);
 
+    // The field takes the new property before the old one is released: the
+    // edits below make this geometry look at its properties, and a solely
+    // owned old one is gone after its subRefCP.
     PropPtrT old = field.getValue();
+    field.setValue(value);
+
     if(old != NullFC)
     {
         beginEditCP(old, Attachment::ParentsFieldMask);
@@ -194,8 +196,6 @@ void Geometry::setProperty(SField<PropPtrT> &field, const PropPtrT &value, UInt3
         value->addParent(thisP);
         endEditCP(value, Attachment::ParentsFieldMask);
     }
-
-    field.setValue(value);
 }
 
 void Geometry::setTypes(const GeoPTypesPtr &value)
@@ -414,10 +414,7 @@ void Geometry::changed(BitVector whichField, UInt32 origin)
             if(getGLId() == 0)
             {
                 GeometryPtr thisP = getPtr();
-                UInt32      id    = Window::registerGLObject(
-                    osgTypedMethodVoidFunctor2ObjCPtrPtr<GeometryPtr, Window, UInt32>(
-                        thisP, &Geometry::handleGL),
-                    2);
+                UInt32      id    = Window::registerGLObject(makeGLFunctor(thisP), 2);
                 beginEditCP(thisP, GLIdFieldMask);
                 setGLId(Int32(id));
                 endEditCP(thisP, GLIdFieldMask);
@@ -623,31 +620,54 @@ void Geometry::handleGL(Window *win, UInt32 idstatus)
             win->setGLObjectId(id, 0);
         }
     }
-    else if(mode == Window::destroy)
+    else if(mode == Window::destroy || mode == Window::finaldestroy)
     {
-        UInt32 slot = win->getGLObjectId(id + 1);
-        if(slot != 0)
-        {
-            GeoVBO *vbo = GeoVBO::get(slot);
-            if(vbo != NULL)
-                vbo->release();
-            GeoVBO::remove(slot);
-        }
-        UInt32 list = win->getGLObjectId(id);
-        if(list != 0)
-            glDeleteLists(list, 1);
-        win->setGLObjectId(id, 0);
-        win->setGLObjectId(id + 1, 0);
-    }
-    else if(mode == Window::finaldestroy)
-    {
-        // nothing outlives the contexts
+        handleDestroyGL(win, idstatus);
     }
     else
     {
         SWARNING << "Geometry(" << static_cast<void *>(this) << ")::handleGL: illegal mode "
                  << mode << " for id " << id << std::endl;
     }
+}
+
+// Runs after the geometry itself is gone (the window works off its destroy
+// list at the end of a frame), so it may use nothing but the window and id.
+void Geometry::handleDestroyGL(Window *win, UInt32 idstatus)
+{
+    Window::GLObjectStatusE mode;
+    UInt32                  id;
+    Window::unpackIdStatus(idstatus, id, mode);
+
+    if(mode != Window::destroy)
+        return; // finaldestroy: nothing outlives the contexts
+
+    UInt32 slot = win->getGLObjectId(id + 1);
+    if(slot != 0)
+    {
+        GeoVBO *vbo = GeoVBO::get(slot);
+        if(vbo != NULL)
+            vbo->release();
+        GeoVBO::remove(slot);
+    }
+    UInt32 list = win->getGLObjectId(id);
+    if(list != 0)
+        glDeleteLists(list, 1);
+    win->setGLObjectId(id, 0);
+    win->setGLObjectId(id + 1, 0);
+}
+
+Window::GLObjectFunctor Geometry::makeGLFunctor(GeometryPtr geo)
+{
+    return Window::GLObjectFunctor([geo](Window *win, UInt32 idstatus) {
+        Window::GLObjectStatusE mode;
+        UInt32                  id;
+        Window::unpackIdStatus(idstatus, id, mode);
+        if(mode == Window::destroy || mode == Window::finaldestroy)
+            Geometry::handleDestroyGL(win, idstatus);
+        else if(geo != NullFC)
+            geo->handleGL(win, idstatus);
+    });
 }
 
 bool Geometry::drawVBO(Window *win, UInt32 id)

@@ -20,6 +20,7 @@
 #include <OpenSG/OSGDynamicVolume.h>
 #include <OpenSG/OSGAction.h>
 #include <OpenSG/OSGActorBase.h>
+#include <OpenSG/OSGTypedFunctors.h>
 
 OSG_BEGIN_NAMESPACE
 
@@ -135,6 +136,9 @@ class Geometry : public GeometryBase
     /// The GL-object callback: builds, rebuilds and frees the display list
     /// or the VBO record of one window.
     void handleGL(Window *win, UInt32 idstatus);
+    /// What handleGL does for destroy: it needs only the window and the id,
+    /// since the window calls it after the geometry has gone.
+    static void handleDestroyGL(Window *win, UInt32 idstatus);
 
     /// Draws from this geometry's VBO record in win; false if it has none.
     bool drawVBO(Window *win, UInt32 id);
@@ -147,6 +151,11 @@ class Geometry : public GeometryBase
     friend class GeometryBase;
 
     static void initMethod(void);
+
+    /// The callback registered with the window: destroy requests go to
+    /// handleDestroyGL and never touch the (by then deleted) geometry.
+    static TypedFunctor2Base<void, PtrCallArg<Window>, ArgsCollector<UInt32> >
+    makeGLFunctor(GeometryPtr geo);
 
     /// The procedure shared by all property setters.
     template <class PropPtrT>

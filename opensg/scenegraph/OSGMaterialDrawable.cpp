@@ -108,7 +108,8 @@ Action::ResultE MaterialDrawable::drawActionEnterHandler(Action *action)
         }
     }
 
-    m->draw(func, a);
+    if(m != NULL)
+        m->draw(func, a);
 
     return a->selectVisibles() == 0 ? Action::Skip : Action::Continue;
 }

@@ -9,8 +9,6 @@
 
 #include <OpenSG/OSGMaterialBase.h>
 #include <OpenSG/OSGState.h>
-// the action header needs the complete Node for its node pointers
-#include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGAction.h>
 #include <OpenSG/OSGTypedFunctors.h>
 

@@ -866,10 +866,12 @@ bool HeadlessGLContext::readPixels(UInt32 x,
     }
 
     _funcs->bindFramebuffer(GL_READ_FRAMEBUFFER, _fbo);
-    // the read buffer belongs to the framebuffer: put it back afterwards
+    // the read buffer belongs to the framebuffer: put it back afterwards.
+    // Framebuffer 0 (the pbuffer) keeps its own, its only colour buffer.
     GLint readBuffer = 0;
     glGetIntegerv(GL_READ_BUFFER, &readBuffer);
-    glReadBuffer(_fbo != 0 ? GL_COLOR_ATTACHMENT0 : GL_BACK);
+    if(_fbo != 0)
+        glReadBuffer(GL_COLOR_ATTACHMENT0);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glPixelStorei(GL_PACK_ROW_LENGTH, 0);
     glPixelStorei(GL_PACK_SKIP_ROWS, 0);
@@ -884,7 +886,8 @@ bool HeadlessGLContext::readPixels(UInt32 x,
     glPixelStorei(GL_PACK_ROW_LENGTH, rowLength);
     glPixelStorei(GL_PACK_SKIP_ROWS, skipRows);
     glPixelStorei(GL_PACK_SKIP_PIXELS, skipPixels);
-    glReadBuffer(GLenum(readBuffer));
+    if(_fbo != 0)
+        glReadBuffer(GLenum(readBuffer));
     _funcs->bindFramebuffer(GL_READ_FRAMEBUFFER, GLuint(readFbo));
     if(bindBuffer != nullptr)
         bindBuffer(GL_PIXEL_PACK_BUFFER, GLuint(packBuffer));

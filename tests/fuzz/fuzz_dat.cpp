@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     {
         std::vector<UInt8> raw(data, data + std::min<size_t>(size, fileBytes));
         raw.resize(size_t(fileBytes), 0);
-        std::vector<UInt8> voxels(size_t(imageBytes));
+        std::vector<UInt8> voxels(static_cast<size_t>(imageBytes));
 
         if(!decodeVolumeData(layout, raw.data(), raw.size(), voxels.data(),
                              voxels.size()))

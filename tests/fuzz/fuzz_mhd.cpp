@@ -49,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
             have  = fileBytes;
         }
 
-        std::vector<UInt8> voxels(size_t(imageBytes));
+        std::vector<UInt8> voxels(static_cast<size_t>(imageBytes));
         const bool ok = decodeVolumeData(layout, block, have, voxels.data(),
                                          voxels.size());
         if(ok != (have >= fileBytes))

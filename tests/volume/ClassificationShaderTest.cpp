@@ -231,8 +231,12 @@ class ClassificationShader : public testing::Test
         glVertex2f(-1.f, 1.f);
         glEnd();
         glUseProgram(0);
+        // read straight from the context's current framebuffer, whichever
+        // backing it got
         UInt8 pixel[4] = {0, 0, 0, 0};
-        EXPECT_TRUE(_context.readPixels(0, 0, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel));
+        glPixelStorei(GL_PACK_ALIGNMENT, 1);
+        glReadPixels(0, 0, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel);
+        EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
         return Rgba{{pixel[0], pixel[1], pixel[2], pixel[3]}};
     }
 
