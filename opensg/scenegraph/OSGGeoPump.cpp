@@ -375,10 +375,23 @@ typedef void(APIENTRY *DeleteBuffersF)(GLsizei, const GLuint *);
 
 namespace
 {
+/// The buffer records of all windows. A window that goes away before its
+/// destroy list ran leaves records behind; they hold no GL state of their
+/// own (their buffers died with the context), so they are freed at exit.
+struct VBOTable
+{
+    std::vector<GeoVBO *> records;
+    ~VBOTable(void)
+    {
+        for(size_t i = 0; i < records.size(); ++i)
+            delete records[i];
+    }
+};
+
 std::vector<GeoVBO *> &vboTable(void)
 {
-    static std::vector<GeoVBO *> table;
-    return table;
+    static VBOTable table;
+    return table.records;
 }
 } // namespace
 

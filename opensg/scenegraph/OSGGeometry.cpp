@@ -639,17 +639,23 @@ void Geometry::handleDestroyGL(Window *win, UInt32 idstatus)
     UInt32                  id;
     Window::unpackIdStatus(idstatus, id, mode);
 
-    if(mode != Window::destroy)
-        return; // finaldestroy: nothing outlives the contexts
+    if(mode != Window::destroy && mode != Window::finaldestroy)
+        return;
 
+    // the buffer record is ours to free in either case; GL objects only go
+    // while the context still exists (destroy)
     UInt32 slot = win->getGLObjectId(id + 1);
     if(slot != 0)
     {
         GeoVBO *vbo = GeoVBO::get(slot);
-        if(vbo != NULL)
+        if(vbo != NULL && mode == Window::destroy)
             vbo->release();
         GeoVBO::remove(slot);
+        win->setGLObjectId(id + 1, 0);
     }
+    if(mode != Window::destroy)
+        return;
+
     UInt32 list = win->getGLObjectId(id);
     if(list != 0)
         glDeleteLists(list, 1);
