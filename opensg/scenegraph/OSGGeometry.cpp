@@ -665,15 +665,7 @@ void Geometry::handleDestroyGL(Window *win, UInt32 idstatus)
 
 Window::GLObjectFunctor Geometry::makeGLFunctor(GeometryPtr geo)
 {
-    return Window::GLObjectFunctor([geo](Window *win, UInt32 idstatus) {
-        Window::GLObjectStatusE mode;
-        UInt32                  id;
-        Window::unpackIdStatus(idstatus, id, mode);
-        if(mode == Window::destroy || mode == Window::finaldestroy)
-            Geometry::handleDestroyGL(win, idstatus);
-        else if(geo != NullFC)
-            geo->handleGL(win, idstatus);
-    });
+    return osgGLObjectFunctor(geo, &Geometry::handleGL, &Geometry::handleDestroyGL);
 }
 
 bool Geometry::drawVBO(Window *win, UInt32 id)

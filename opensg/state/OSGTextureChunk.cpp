@@ -154,22 +154,9 @@ bool TextureChunk::ignoreGL(void) const
 
 void TextureChunk::registerGL(void)
 {
-    // The destroy calls come at the end of a frame, after the chunk itself
-    // may be gone: they must not reach the object, only the window.
-    TextureChunkPtr      thisPtr(this);
-    Window::GLObjectFunctor functor([thisPtr](Window *win, UInt32 idstatus) {
-        UInt32                  osgid;
-        Window::GLObjectStatusE mode;
-        Window::unpackIdStatus(idstatus, osgid, mode);
-        if(mode == Window::destroy || mode == Window::finaldestroy)
-        {
-            destroyGL(win, idstatus);
-            return;
-        }
-        TextureChunk *chunk = thisPtr.getCPtr();
-        if(chunk != NULL)
-            chunk->handleGL(win, idstatus);
-    });
+    TextureChunkPtr thisPtr(this);
+    Window::GLObjectFunctor functor =
+        osgGLObjectFunctor(thisPtr, &TextureChunk::handleGL, &TextureChunk::destroyGL);
 
     UInt32 id = Window::registerGLObject(functor, 1);
     beginEditCP(thisPtr, GLIdFieldMask);

@@ -330,6 +330,33 @@ class Window : public WindowBase
 
 typedef Window *WindowP;
 
+/// The functor of a container's GL objects. destroy and finaldestroy arrive
+/// at the end of a frame, after the container may be gone, so they go to a
+/// static handler that uses only the window and the id; every other status
+/// goes to the container's own handler.
+template <class ObjPtrT, class ClassT>
+inline Window::GLObjectFunctor osgGLObjectFunctor(ObjPtrT objPtr,
+                                                  void (ClassT::*handle)(Window *, UInt32),
+                                                  void (*destroy)(Window *, UInt32))
+{
+    typedef typename ObjPtrT::StoredObjectType ObjectT;
+    void (ObjectT::*method)(Window *, UInt32) = handle;
+
+    return Window::GLObjectFunctor([objPtr, method, destroy](Window *win, UInt32 idstatus) {
+        UInt32                  id;
+        Window::GLObjectStatusE mode;
+        Window::unpackIdStatus(idstatus, id, mode);
+        if(mode == Window::destroy || mode == Window::finaldestroy)
+        {
+            destroy(win, idstatus);
+            return;
+        }
+        ObjectT *obj = objPtr.getCPtr();
+        if(obj != NULL)
+            (obj->*method)(win, idstatus);
+    });
+}
+
 OSG_END_NAMESPACE
 
 #endif
