@@ -9,8 +9,10 @@ scripts/build.sh build -DCORVANE_BENCH=OFF
 
 cmake --build build --target sample_volumes
 mkdir -p build/demo
-echo "== shaded scene"
-build/bin/corvane render build/demo/shaded.png 800 600
+for scene in shaded sky calibrated hmd; do
+  echo "== $scene scene"
+  build/bin/corvane scene "$scene" "build/demo/$scene.png" 800 600
+done
 echo "== the same, DXT1-compressed to DDS"
 build/bin/corvane dxt build/demo/shaded.png build/demo/shaded.dds dxt1
 echo "== field-container types"

@@ -1,8 +1,19 @@
 /// A display filter that calibrates colour with a gamma, a matrix and a per-region shading table.
+///
+/// Works in the read-back group "ImprovedColorDisplayFilter": the grabbed
+/// image is texture unit 0 of the group's material, the shading table (a
+/// 3-D texture of width x height positions across the screen and depth
+/// steps along the colour value) unit 1. The fields are read when the
+/// foreground builds the filter; an edit afterwards changes nothing on a
+/// filter already built.
 #ifndef _OSGIMPROVEDCOLORDISPLAYFILTER_H_
 #define _OSGIMPROVEDCOLORDISPLAYFILTER_H_
 
 #include <OpenSG/OSGImprovedColorDisplayFilterBase.h>
+#include <OpenSG/OSGImage.h>
+#include <OpenSG/OSGSHLChunk.h>
+
+#include <string>
 
 OSG_BEGIN_NAMESPACE
 
@@ -15,6 +26,12 @@ class ImprovedColorDisplayFilter : public ImprovedColorDisplayFilterBase
     virtual void changed(BitVector whichField, UInt32 origin);
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
+    virtual void createFilter(DisplayFilterForeground *fg, Viewport *port);
+
+    /// Moves the fields into the table image and the uniforms; nothing
+    /// before createFilter.
+    void updateFilterValues(void);
+
   protected:
     ImprovedColorDisplayFilter(void);
     ImprovedColorDisplayFilter(const ImprovedColorDisplayFilter &source);
@@ -25,6 +42,18 @@ class ImprovedColorDisplayFilter : public ImprovedColorDisplayFilterBase
     friend class ImprovedColorDisplayFilterBase;
 
     static void initMethod(void);
+
+    /// Drops the references held on the image and the shader.
+    void releaseChunks(void);
+
+    static const char *const _vertexProgram;
+    static const std::string _fragmentProgram;
+    static const std::string _debugFragmentProgram;
+
+    /// Both also live in the group's material; the references held here
+    /// keep them valid when the foreground drops its groups first.
+    ImagePtr    _shadingImage;
+    SHLChunkPtr _shlChunk;
 
     void operator=(const ImprovedColorDisplayFilter &source);
 };

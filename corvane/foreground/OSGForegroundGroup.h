@@ -15,6 +15,9 @@ class ForegroundGroup : public ForegroundGroupBase
     virtual void changed(BitVector whichField, UInt32 origin);
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
+    /// Draws each member in list order; each member tests its own active flag.
+    virtual void draw(DrawActionBase *action, Viewport *port);
+
   protected:
     ForegroundGroup(void);
     ForegroundGroup(const ForegroundGroup &source);

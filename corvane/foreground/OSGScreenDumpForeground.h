@@ -1,4 +1,9 @@
 /// A grab foreground that writes one frame per queued file name as PNG.
+///
+/// Each draw takes the first name of `filenames`, grabs the viewport into
+/// `image` (made here as RGB when there is none) and writes it; the name
+/// leaves the queue whether or not the file could be written. Like every
+/// GrabForeground it starts inactive.
 #ifndef _OSGSCREENDUMPFOREGROUND_H_
 #define _OSGSCREENDUMPFOREGROUND_H_
 
@@ -15,10 +20,15 @@ class ScreenDumpForeground : public ScreenDumpForegroundBase
     virtual void changed(BitVector whichField, UInt32 origin);
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
+    virtual void draw(DrawActionBase *action, Viewport *port);
+
   protected:
     ScreenDumpForeground(void);
     ScreenDumpForeground(const ScreenDumpForeground &source);
     virtual ~ScreenDumpForeground(void);
+
+    /// Releases the image this foreground made for itself.
+    virtual void onDestroy(void);
 
   private:
     friend class FieldContainer;
@@ -27,6 +37,10 @@ class ScreenDumpForeground : public ScreenDumpForegroundBase
     static void initMethod(void);
 
     void operator=(const ScreenDumpForeground &source);
+
+    /// The image draw made when `image` was empty; the field counts no
+    /// reference, so this one holds it.
+    ImagePtr _ownImage;
 };
 
 typedef ScreenDumpForeground *ScreenDumpForegroundP;

@@ -15,6 +15,11 @@ class SkydomeBackground : public SkydomeBackgroundBase
     virtual void changed(BitVector whichField, UInt32 origin);
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
+    /// Clears colour, depth and stencil, draws the sphere with material
+    /// around the camera (turned with the camera and the beacon, never
+    /// moved), then clears depth again so the scene lies in front of it.
+    virtual void clear(DrawActionBase *action, Viewport *port);
+
   protected:
     SkydomeBackground(void);
     SkydomeBackground(const SkydomeBackground &source);
@@ -26,7 +31,16 @@ class SkydomeBackground : public SkydomeBackgroundBase
 
     static void initMethod(void);
 
+    /// Destroys the material made for the last texture unless someone
+    /// took a reference to it meanwhile.
+    void releaseMadeMaterial(void);
+
     void operator=(const SkydomeBackground &source);
+
+    /// Container id of the material this background made; 0 for none.
+    UInt32 _madeMaterialId;
+    /// Whether clear has said once that it has no material.
+    bool _warnedNoMaterial;
 };
 
 typedef SkydomeBackground *SkydomeBackgroundP;

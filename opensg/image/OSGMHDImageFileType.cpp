@@ -125,24 +125,6 @@ bool canOpen(const std::string &path)
     return true;
 }
 
-bool readStream(std::istream &is, UInt64 limit, std::vector<UInt8> &out)
-{
-    out.clear();
-
-    const size_t Chunk = size_t(1) << 20;
-
-    while(is.good() && out.size() < limit)
-    {
-        size_t old = out.size();
-
-        out.resize(old + Chunk);
-        is.read(reinterpret_cast<char *>(out.data() + old),
-                std::streamsize(Chunk));
-        out.resize(old + size_t(is.gcount()));
-    }
-    return !is.bad();
-}
-
 } // namespace
 
 MHDImageFileType MHDImageFileType::_the("image/x-metaimage", suffixArray,
@@ -253,7 +235,7 @@ bool MHDImageFileType::read(ImagePtr &image, std::istream &is,
 
     std::vector<UInt8> bytes;
 
-    if(!readStream(is, MaxCompressedBytes + MaxHeaderBytes, bytes))
+    if(!volumeReadStream(is, MaxCompressedBytes + MaxHeaderBytes, bytes))
     {
         FWARNING(("MetaImage: error reading the stream\n"));
         return false;

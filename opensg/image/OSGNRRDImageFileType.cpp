@@ -21,24 +21,6 @@ const Char8 Magic[7] = {'N', 'R', 'R', 'D', '0', '0', '0'};
 /// Room for a header in front of the largest volume we take.
 const UInt64 MaxStreamBytes = MaxVolumeBytes + (UInt64(1) << 20);
 
-bool readStream(std::istream &is, std::vector<UInt8> &out)
-{
-    out.clear();
-
-    const size_t Chunk = size_t(1) << 20;
-
-    while(is.good() && out.size() < MaxStreamBytes)
-    {
-        size_t old = out.size();
-
-        out.resize(old + Chunk);
-        is.read(reinterpret_cast<char *>(out.data() + old),
-                std::streamsize(Chunk));
-        out.resize(old + size_t(is.gcount()));
-    }
-    return !is.bad();
-}
-
 } // namespace
 
 NRRDImageFileType NRRDImageFileType::_the("image/x-nrrd", suffixArray,
@@ -85,7 +67,7 @@ bool NRRDImageFileType::read(ImagePtr &image, std::istream &is,
 
     std::vector<UInt8> bytes;
 
-    if(!readStream(is, bytes))
+    if(!volumeReadStream(is, MaxStreamBytes, bytes))
     {
         FWARNING(("NRRD: error reading the stream\n"));
         return false;

@@ -1111,6 +1111,24 @@ std::string formatMetaImageHeader(const VolumeLayout &layout,
 
 // --- helpers -------------------------------------------------------------------------
 
+bool volumeReadStream(std::istream &is, UInt64 limit, std::vector<UInt8> &out)
+{
+    out.clear();
+
+    const size_t Chunk = size_t(1) << 20;
+
+    while(is.good() && out.size() < limit)
+    {
+        size_t old = out.size();
+
+        out.resize(old + Chunk);
+        is.read(reinterpret_cast<char *>(out.data() + old),
+                std::streamsize(Chunk));
+        out.resize(old + size_t(is.gcount()));
+    }
+    return !is.bad();
+}
+
 bool volumeReadFile(const std::string &path, UInt64 offset, UInt64 maxBytes,
                     bool gunzip, std::vector<UInt8> &out)
 {

@@ -14,6 +14,7 @@
 
 #include <OpenSG/OSGBaseTypes.h>
 
+#include <istream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -208,6 +209,11 @@ std::string formatMetaImageHeader(const VolumeLayout &layout,
 /// False only when the file can not be opened or read.
 bool volumeReadFile(const std::string &path, UInt64 offset, UInt64 maxBytes,
                     bool gunzip, std::vector<UInt8> &out);
+
+/// Reads `is` to its end, or up to about `limit` bytes, into `out` (which
+/// is emptied first), growing by 1 MiB steps so that a stream never costs
+/// more than it holds. False when the stream reports a read error.
+bool volumeReadStream(std::istream &is, UInt64 limit, std::vector<UInt8> &out);
 
 /// The size of a file in bytes; false when it can not be opened.
 bool volumeFileSize(const std::string &path, UInt64 &size);

@@ -10,23 +10,13 @@
 #include <OpenSG/OSGDisplayFilterForeground.h>
 #include <OpenSG/OSGDisplayFilterTestInverter.h>
 #include <OpenSG/OSGDistortionDisplayFilter.h>
-#include <OpenSG/OSGGroup.h>
 #include <OpenSG/OSGImage.h>
-#include <OpenSG/OSGLog.h>
-#include <OpenSG/OSGPerspectiveCamera.h>
 #include <OpenSG/OSGPolygonForeground.h>
-#include <OpenSG/OSGRenderAction.h>
 #include <OpenSG/OSGResolutionDisplayFilter.h>
-#include <OpenSG/OSGSolidBackground.h>
 #include <OpenSG/OSGTextureChunk.h>
-#include <OpenSG/OSGTransform.h>
-#include <OpenSG/OSGViewport.h>
-
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <functional>
-#include <memory>
 
 using namespace osg;
 using namespace wintest;
@@ -58,89 +48,23 @@ RGBA invert(const RGBA &c)
     return RGBA{UInt8(255 - c.r), UInt8(255 - c.g), UInt8(255 - c.b), 255};
 }
 
-class FilterFixture : public ::testing::Test
+class FilterFixture : public FrameFixture
 {
   protected:
     void SetUp(void) override
     {
-        win = makeWindow(64, 48);
-        if(win == NullFC)
-            GTEST_SKIP() << "no EGL context on this machine";
-
-        NodePtr root = Node::create();
-        keep(root);
-        beginEditCP(root);
-        root->setCore(Group::create());
-        endEditCP(root);
-
-        NodePtr beacon = Node::create();
-        keep(beacon);
-        beginEditCP(beacon);
-        beacon->setCore(Transform::create());
-        endEditCP(beacon);
-
-        PerspectiveCameraPtr camera = PerspectiveCamera::create();
-        keep(camera);
-        beginEditCP(camera);
-        camera->setBeacon(beacon);
-        camera->setFov(1.f);
-        camera->setNear(0.1f);
-        camera->setFar(10.f);
-        endEditCP(camera);
-
-        ViewportPtr full = Viewport::create();
-        keep(full);
-        beginEditCP(full);
-        full->setCamera(camera);
-        full->setRoot(root);
-        full->setBackground(solid(Grey));
-        endEditCP(full);
-        win->addPort(full);
-
-        port = Viewport::create();
-        keep(port);
-        beginEditCP(port);
-        port->setSize(Real32(PortL), Real32(PortB), Real32(PortL + PortW - 1),
-                      Real32(PortB + PortH - 1));
-        port->setCamera(camera);
-        port->setRoot(root);
-        port->setBackground(solid(Back));
-        endEditCP(port);
-        win->addPort(port);
-
-        port->addForeground(colourQuad());
-
-        filters = DisplayFilterForeground::create();
-        port->addForeground(filters);
-
-        action.reset(RenderAction::create());
-    }
-
-    void TearDown(void) override
-    {
+        FrameFixture::SetUp();
         if(win == NullFC)
             return;
 
-        action.reset();
-        for(UInt32 i = owned.size(); i > 0; --i)
-            subRefCP(owned[i - 1]);
-        subRefCP(win);
-    }
+        port(0.f, 1.f, 0.f, 1.f, solid(Grey));
+        vp = port(Real32(PortL), Real32(PortL + PortW - 1), Real32(PortB),
+                  Real32(PortB + PortH - 1), solid(Back));
 
-    void keep(const FieldContainerPtr &fc)
-    {
-        addRefCP(fc);
-        owned.push_back(fc);
-    }
+        vp->addForeground(colourQuad());
 
-    BackgroundPtr solid(const RGBA &c)
-    {
-        SolidBackgroundPtr bg = SolidBackground::create();
-        keep(bg);
-        beginEditCP(bg);
-        bg->setColor(Color3f(c.r / 255.f, c.g / 255.f, c.b / 255.f));
-        endEditCP(bg);
-        return bg;
+        filters = DisplayFilterForeground::create();
+        vp->addForeground(filters);
     }
 
     /// Red, green (bottom) and blue, yellow (top) texels over pixels
@@ -197,8 +121,8 @@ class FilterFixture : public ::testing::Test
         endEditCP(filters, DisplayFilterForeground::FilterFieldMask);
     }
 
-    /// One frame; its log (warnings and up) is returned.
-    std::string frame(void)
+    /// One frame that may warn; its log (warnings and up) is returned.
+    std::string frameLog(void)
     {
         LogCapture log(LOG_WARNING);
         win->render(action.get());
@@ -234,11 +158,8 @@ class FilterFixture : public ::testing::Test
         EXPECT_EQ(wrong, 0u) << name;
     }
 
-    EGLWindowPtr                   win;
-    ViewportPtr                    port;
-    DisplayFilterForegroundPtr     filters;
-    std::unique_ptr<RenderAction>  action;
-    std::vector<FieldContainerPtr> owned;
+    ViewportPtr                vp;
+    DisplayFilterForegroundPtr filters;
 };
 
 } // namespace
@@ -252,7 +173,7 @@ TEST_F(FilterFixture, InvertingFilterGivesTheNegativeOnceBuilt)
     beginEditCP(inv);
     inv->setEnabled(false);
     endEditCP(inv);
-    EXPECT_EQ(frame(), "");
+    frame();
     expectPort("filter_none", portImage);
     EXPECT_EQ(inv->creates, 0u);
     EXPECT_EQ(inv->updates, 0u);
@@ -263,12 +184,12 @@ TEST_F(FilterFixture, InvertingFilterGivesTheNegativeOnceBuilt)
 
     for(UInt32 i = 1; i <= 3; ++i)
     {
-        EXPECT_EQ(frame(), "");
+        frame();
         EXPECT_EQ(inv->creates, 1u) << "frame " << i;
         EXPECT_EQ(inv->updates, i);
         expectPort("filter_inverted", [](Int32 x, Int32 y) { return invert(portImage(x, y)); });
     }
-    EXPECT_EQ(inv->lastPort, port.getCPtr());
+    EXPECT_EQ(inv->lastPort, vp.getCPtr());
 
     // An edit of the filter's own fields doesn't rebuild it.
     const UInt32 changes = inv->getChanged();
@@ -357,7 +278,7 @@ TEST_F(FilterFixture, ColourFilterLinearisesThroughItsTable)
     addFilter(colour);
 
     // Default fields: an empty table is replaced by the identity ramp.
-    std::string log = frame();
+    std::string log = frameLog();
     EXPECT_NE(log.find("Wrong shanding table size"), std::string::npos);
     EXPECT_EQ(log.find("rror"), std::string::npos) << log;
 
@@ -383,7 +304,7 @@ TEST_F(FilterFixture, ColourFilterLinearisesThroughItsTable)
     endEditCP(colour);
     beginEditCP(filters, DisplayFilterForeground::FilterFieldMask);
     endEditCP(filters, DisplayFilterForeground::FilterFieldMask);
-    EXPECT_EQ(frame(), "");
+    frame();
     expectPort("filter_colour_identity", portImage, 3);
 }
 
@@ -405,7 +326,7 @@ TEST_F(FilterFixture, DistortionMovesTheGridOfTheSharedGroup)
     warp->getPositions().push_back(Vec2f(0, 1));
     endEditCP(warp);
 
-    EXPECT_EQ(frame(), "");
+    frame();
     expectPort("filter_mirrored",
                [](Int32 x, Int32 y) { return portImage(PortW - 1 - x, y); });
 
@@ -415,7 +336,7 @@ TEST_F(FilterFixture, DistortionMovesTheGridOfTheSharedGroup)
     endEditCP(warp);
     beginEditCP(filters, DisplayFilterForeground::FilterFieldMask);
     endEditCP(filters, DisplayFilterForeground::FilterFieldMask);
-    EXPECT_NE(frame().find("DistortionDisplayFilter wrong number of positions"),
+    EXPECT_NE(frameLog().find("DistortionDisplayFilter wrong number of positions"),
               std::string::npos);
     expectPort("filter_unwarped", portImage);
 
@@ -424,7 +345,7 @@ TEST_F(FilterFixture, DistortionMovesTheGridOfTheSharedGroup)
     endEditCP(warp);
     beginEditCP(filters, DisplayFilterForeground::FilterFieldMask);
     endEditCP(filters, DisplayFilterForeground::FilterFieldMask);
-    EXPECT_NE(frame().find("DistortionDisplayFilter columns or rows < 2"), std::string::npos);
+    EXPECT_NE(frameLog().find("DistortionDisplayFilter columns or rows < 2"), std::string::npos);
 }
 
 TEST_F(FilterFixture, ResolutionFilterScalesDownThenUp)
@@ -436,7 +357,7 @@ TEST_F(FilterFixture, ResolutionFilterScalesDownThenUp)
     endEditCP(res);
     addFilter(res);
 
-    EXPECT_EQ(frame(), "");
+    frame();
 
     Matrix down = filters->findReadbackGroup("ColorDisplayFilter")->getTransform()->getMatrix();
     Matrix up = filters->findReadbackGroup("ResolutionDisplayFilter")->getTransform()->getMatrix();

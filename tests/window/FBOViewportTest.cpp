@@ -7,24 +7,14 @@
 
 #include <OpenSG/OSGChunkMaterial.h>
 #include <OpenSG/OSGFBOViewport.h>
-#include <OpenSG/OSGGroup.h>
 #include <OpenSG/OSGImage.h>
-#include <OpenSG/OSGLog.h>
-#include <OpenSG/OSGPerspectiveCamera.h>
 #include <OpenSG/OSGPolygonForeground.h>
-#include <OpenSG/OSGRenderAction.h>
 #include <OpenSG/OSGSHLChunk.h>
 #include <OpenSG/OSGSimpleGeometry.h>
-#include <OpenSG/OSGSolidBackground.h>
 #include <OpenSG/OSGTextureChunk.h>
-#include <OpenSG/OSGTransform.h>
-#include <OpenSG/OSGViewport.h>
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 
 using namespace osg;
 using namespace wintest;
@@ -76,27 +66,21 @@ TextureChunkPtr targetTexture(UInt32 w, UInt32 h, GLenum imageFormat, GLenum int
     return tex;
 }
 
-class FBOViewportFixture : public ::testing::Test
+class FBOViewportFixture : public FrameFixture
 {
   protected:
     void SetUp(void) override
     {
-        win = makeWindow(64, 48);
+        FrameFixture::SetUp();
         if(win == NullFC)
-            GTEST_SKIP() << "no EGL context on this machine";
+            return;
 
-        beacon = keepNode(Transform::create());
-
-        camera = PerspectiveCamera::create();
-        keep(camera);
         beginEditCP(camera);
-        camera->setBeacon(beacon);
         camera->setFov(2.f * std::atan(0.5f));
         camera->setNear(Near);
         camera->setFar(Far);
         endEditCP(camera);
 
-        root = keepNode(Group::create());
         quad = addQuad(1.f, -2.f, constantShader("void main(void) {"
                                                   " gl_FragColor = vec4(2.5, -1.0, 0.125, 0.75);"
                                                   " }\n"));
@@ -108,28 +92,17 @@ class FBOViewportFixture : public ::testing::Test
         background->setAlpha(ClearColour[3]);
         endEditCP(background);
 
-        action.reset(RenderAction::create());
         action->setWindow(win.getCPtr());
     }
 
     void TearDown(void) override
     {
-        if(win == NullFC)
-            return;
-
-        win->activate();
-        EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
-
-        action.reset();
-        for(UInt32 i = owned.size(); i > 0; --i)
-            subRefCP(owned[i - 1]);
-        subRefCP(win);
-    }
-
-    void keep(const FieldContainerPtr &fc)
-    {
-        addRefCP(fc);
-        owned.push_back(fc);
+        if(win != NullFC)
+        {
+            win->activate();
+            EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+        }
+        FrameFixture::TearDown();
     }
 
     NodePtr keepNode(const NodeCorePtr &core)
@@ -221,14 +194,8 @@ class FBOViewportFixture : public ::testing::Test
         return v;
     }
 
-    EGLWindowPtr                   win;
-    NodePtr                        beacon;
-    NodePtr                        root;
-    NodePtr                        quad;
-    PerspectiveCameraPtr           camera;
-    SolidBackgroundPtr             background;
-    std::unique_ptr<RenderAction>  action;
-    std::vector<FieldContainerPtr> owned;
+    NodePtr            quad;
+    SolidBackgroundPtr background;
 };
 
 /// Whether the centre of pixel (x, y) of a w x h target lies inside a

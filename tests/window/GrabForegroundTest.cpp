@@ -33,80 +33,9 @@ const RGBA Grey  = {64, 64, 64, 255};
 const RGBA Red   = {255, 0, 0, 255};
 const RGBA Green = {0, 255, 0, 255};
 
-class GrabFixture : public ::testing::Test
+class GrabFixture : public FrameFixture
 {
   protected:
-    void SetUp(void) override
-    {
-        win = makeWindow(64, 48);
-        if(win == NullFC)
-            GTEST_SKIP() << "no EGL context on this machine";
-
-        root = Node::create();
-        keep(root);
-        beginEditCP(root);
-        root->setCore(Group::create());
-        endEditCP(root);
-
-        NodePtr beacon = Node::create();
-        keep(beacon);
-        beginEditCP(beacon);
-        beacon->setCore(Transform::create());
-        endEditCP(beacon);
-
-        camera = PerspectiveCamera::create();
-        keep(camera);
-        beginEditCP(camera);
-        camera->setBeacon(beacon);
-        camera->setFov(1.f);
-        camera->setNear(0.1f);
-        camera->setFar(10.f);
-        endEditCP(camera);
-
-        action.reset(RenderAction::create());
-    }
-
-    void TearDown(void) override
-    {
-        if(win == NullFC)
-            return;
-
-        action.reset();
-        for(UInt32 i = owned.size(); i > 0; --i)
-            subRefCP(owned[i - 1]);
-        subRefCP(win);
-    }
-
-    void keep(const FieldContainerPtr &fc)
-    {
-        addRefCP(fc);
-        owned.push_back(fc);
-    }
-
-    ViewportPtr port(Real32 l, Real32 r, Real32 b, Real32 t, const BackgroundPtr &bg)
-    {
-        ViewportPtr vp = Viewport::create();
-        keep(vp);
-        keep(bg);
-        beginEditCP(vp);
-        vp->setSize(l, b, r, t);
-        vp->setCamera(camera);
-        vp->setRoot(root);
-        vp->setBackground(bg);
-        endEditCP(vp);
-        win->addPort(vp);
-        return vp;
-    }
-
-    BackgroundPtr solid(const RGBA &c)
-    {
-        SolidBackgroundPtr bg = SolidBackground::create();
-        beginEditCP(bg);
-        bg->setColor(Color3f(c.r / 255.f, c.g / 255.f, c.b / 255.f));
-        endEditCP(bg);
-        return bg;
-    }
-
     GrabForegroundPtr grab(const ViewportPtr &vp, const ImagePtr &img, bool autoResize)
     {
         GrabForegroundPtr fg = GrabForeground::create();
@@ -130,10 +59,7 @@ class GrabFixture : public ::testing::Test
 
     void frame(void)
     {
-        LogCapture log(LOG_WARNING);
-        win->render(action.get());
-        EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
-        EXPECT_EQ(log.take(), "");
+        FrameFixture::frame();
         GLint rowLength = -1;
         glGetIntegerv(GL_PACK_ROW_LENGTH, &rowLength);
         EXPECT_EQ(rowLength, 0);
@@ -144,12 +70,6 @@ class GrabFixture : public ::testing::Test
         const UInt8 *p = img->getData() + (y * img->getWidth() + x) * 4;
         return RGBA{p[0], p[1], p[2], p[3]};
     }
-
-    EGLWindowPtr                   win;
-    NodePtr                        root;
-    PerspectiveCameraPtr           camera;
-    std::unique_ptr<RenderAction>  action;
-    std::vector<FieldContainerPtr> owned;
 };
 
 // The composed frame: grey everywhere, a red rectangle at pixels 8..39 x

@@ -5,21 +5,10 @@
 #include "WindowTestSupport.h"
 
 #include <OpenSG/OSGChunkMaterial.h>
-#include <OpenSG/OSGGroup.h>
 #include <OpenSG/OSGImage.h>
 #include <OpenSG/OSGImageForeground.h>
-#include <OpenSG/OSGLog.h>
-#include <OpenSG/OSGPerspectiveCamera.h>
 #include <OpenSG/OSGPolygonForeground.h>
-#include <OpenSG/OSGRenderAction.h>
-#include <OpenSG/OSGSolidBackground.h>
 #include <OpenSG/OSGTextureChunk.h>
-#include <OpenSG/OSGTransform.h>
-#include <OpenSG/OSGViewport.h>
-
-#include <gtest/gtest.h>
-
-#include <memory>
 
 using namespace osg;
 using namespace wintest;
@@ -36,52 +25,17 @@ const RGBA Yellow = {255, 255, 0, 255};
 // The port: pixels 8..55 x 4..43 of a 64 x 48 window, 48 x 40 pixels.
 const Int32 PortL = 8, PortB = 4, PortW = 48, PortH = 40;
 
-class PolygonFixture : public ::testing::Test
+class PolygonFixture : public FrameFixture
 {
   protected:
     void SetUp(void) override
     {
-        win = makeWindow(64, 48);
+        FrameFixture::SetUp();
         if(win == NullFC)
-            GTEST_SKIP() << "no EGL context on this machine";
+            return;
 
-        NodePtr root = Node::create();
-        keep(root);
-        beginEditCP(root);
-        root->setCore(Group::create());
-        endEditCP(root);
-
-        NodePtr beacon = Node::create();
-        keep(beacon);
-        beginEditCP(beacon);
-        beacon->setCore(Transform::create());
-        endEditCP(beacon);
-
-        PerspectiveCameraPtr camera = PerspectiveCamera::create();
-        keep(camera);
-        beginEditCP(camera);
-        camera->setBeacon(beacon);
-        camera->setFov(1.f);
-        camera->setNear(0.1f);
-        camera->setFar(10.f);
-        endEditCP(camera);
-
-        SolidBackgroundPtr bg = SolidBackground::create();
-        keep(bg);
-        beginEditCP(bg);
-        bg->setColor(Color3f(64 / 255.f, 64 / 255.f, 64 / 255.f));
-        endEditCP(bg);
-
-        port = Viewport::create();
-        keep(port);
-        beginEditCP(port);
-        port->setSize(Real32(PortL), Real32(PortB), Real32(PortL + PortW - 1),
-                      Real32(PortB + PortH - 1));
-        port->setCamera(camera);
-        port->setRoot(root);
-        port->setBackground(bg);
-        endEditCP(port);
-        win->addPort(port);
+        vp = port(Real32(PortL), Real32(PortL + PortW - 1), Real32(PortB),
+                  Real32(PortB + PortH - 1), solid(Grey));
 
         // 2 x 2 texels: red, green (bottom row), blue, yellow (top row).
         ImagePtr img = Image::create();
@@ -101,25 +55,6 @@ class PolygonFixture : public ::testing::Test
         beginEditCP(material);
         material->addChunk(tex);
         endEditCP(material);
-
-        action.reset(RenderAction::create());
-    }
-
-    void TearDown(void) override
-    {
-        if(win == NullFC)
-            return;
-
-        action.reset();
-        for(UInt32 i = owned.size(); i > 0; --i)
-            subRefCP(owned[i - 1]);
-        subRefCP(win);
-    }
-
-    void keep(const FieldContainerPtr &fc)
-    {
-        addRefCP(fc);
-        owned.push_back(fc);
     }
 
     /// A textured quad with corners (x0, y0) .. (x1, y1), texture
@@ -141,8 +76,8 @@ class PolygonFixture : public ::testing::Test
         fg->getTexCoords().push_back(Vec3f(1, 1, 0));
         fg->getTexCoords().push_back(Vec3f(0, 1, 0));
         endEditCP(fg);
-        port->clearForegrounds();
-        port->addForeground(fg);
+        vp->clearForegrounds();
+        vp->addForeground(fg);
         return fg;
     }
 
@@ -151,12 +86,7 @@ class PolygonFixture : public ::testing::Test
     /// texel quadrants.
     void expectQuad(const char *name, Int32 cx0, Int32 cx1, Int32 cy0, Int32 cy1)
     {
-        {
-            LogCapture log(LOG_WARNING);
-            win->render(action.get());
-            EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
-            EXPECT_EQ(log.take(), "");
-        }
+        frame();
 
         std::vector<RGBA> px = readAll(win);
         writePNG(name, px, 64, 48);
@@ -186,11 +116,8 @@ class PolygonFixture : public ::testing::Test
         EXPECT_EQ(wrong, 0u) << name;
     }
 
-    EGLWindowPtr                   win;
-    ViewportPtr                    port;
-    ChunkMaterialPtr               material;
-    std::unique_ptr<RenderAction>  action;
-    std::vector<FieldContainerPtr> owned;
+    ViewportPtr      vp;
+    ChunkMaterialPtr material;
 };
 
 } // namespace
@@ -250,7 +177,7 @@ TEST_F(PolygonFixture, MismatchedListsDrawNothing)
 
 TEST_F(PolygonFixture, ImageForegroundPlacesImagesByPixelOrFraction)
 {
-    port->clearForegrounds();
+    vp->clearForegrounds();
 
     ImagePtr img = Image::create();
     const UInt8 texels[4 * 3 * 2] = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 0,
@@ -263,10 +190,9 @@ TEST_F(PolygonFixture, ImageForegroundPlacesImagesByPixelOrFraction)
     fg->addImage(img, Pnt2f(10.f, 3.f));    // pixels
     fg->addImage(img, Pnt2f(0.5f, 0.75f));  // fractions: 24, 30
     endEditCP(fg);
-    port->addForeground(fg);
+    vp->addForeground(fg);
 
-    win->render(action.get());
-    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+    frame();
 
     std::vector<RGBA> px = readAll(win);
     const RGBA        row[4] = {Red, Green, Blue, Yellow};

@@ -4,21 +4,10 @@
 #include "WindowTestSupport.h"
 
 #include <OpenSG/OSGDrawAction.h>
-#include <OpenSG/OSGGroup.h>
-#include <OpenSG/OSGLog.h>
 #include <OpenSG/OSGMatrixCamera.h>
 #include <OpenSG/OSGPassiveBackground.h>
 #include <OpenSG/OSGPassiveWindow.h>
-#include <OpenSG/OSGPerspectiveCamera.h>
 #include <OpenSG/OSGRecordingTestForeground.h>
-#include <OpenSG/OSGRenderAction.h>
-#include <OpenSG/OSGSolidBackground.h>
-#include <OpenSG/OSGTransform.h>
-#include <OpenSG/OSGViewport.h>
-
-#include <gtest/gtest.h>
-
-#include <memory>
 
 using namespace osg;
 using namespace wintest;
@@ -31,110 +20,25 @@ const RGBA Red   = {255, 0, 0, 255};
 const RGBA Green = {0, 255, 0, 255};
 const RGBA Blue  = {0, 0, 255, 255};
 
-SolidBackgroundPtr solid(const RGBA &c)
-{
-    SolidBackgroundPtr bg = SolidBackground::create();
-    beginEditCP(bg);
-    bg->setColor(Color3f(c.r / 255.f, c.g / 255.f, c.b / 255.f));
-    bg->setAlpha(c.a / 255.f);
-    endEditCP(bg);
-    return bg;
-}
-
 // A scene, camera and everything a viewport needs, kept alive by the test.
-class SceneFixture : public ::testing::Test
+class SceneFixture : public FrameFixture
 {
   protected:
     void SetUp(void) override
     {
-        win = makeWindow(64, 48);
-        if(win == NullFC)
-            GTEST_SKIP() << "no EGL context on this machine";
-
-        root = Node::create();
-        addRefCP(root);
-        beginEditCP(root);
-        root->setCore(Group::create());
-        endEditCP(root);
-
-        beacon = Node::create();
-        addRefCP(beacon);
-        beginEditCP(beacon);
-        beacon->setCore(Transform::create());
-        endEditCP(beacon);
-
-        camera = PerspectiveCamera::create();
-        addRefCP(camera);
-        beginEditCP(camera);
-        camera->setBeacon(beacon);
-        camera->setFov(1.f);
-        camera->setNear(0.1f);
-        camera->setFar(10.f);
-        endEditCP(camera);
-
-        action.reset(RenderAction::create());
+        FrameFixture::SetUp();
         RecordingTestForeground::drawLog().clear();
     }
 
     void TearDown(void) override
     {
-        if(win == NullFC)
-            return;
-
-        win->activate();
-        EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
-
-        for(UInt32 i = 0; i < owned.size(); ++i)
-            subRefCP(owned[i]);
-
-        action.reset();
-        subRefCP(camera);
-        subRefCP(beacon);
-        subRefCP(root);
-        subRefCP(win);
+        if(win != NullFC)
+        {
+            win->activate();
+            EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+        }
+        FrameFixture::TearDown();
     }
-
-    /// A viewport with edges (l, r, b, t) over a background, added to the
-    /// window.
-    ViewportPtr port(Real32 l, Real32 r, Real32 b, Real32 t,
-                     const BackgroundPtr &bg)
-    {
-        ViewportPtr vp = Viewport::create();
-        keep(vp);
-        keep(bg);
-
-        beginEditCP(vp);
-        vp->setSize(l, b, r, t);
-        vp->setCamera(camera);
-        vp->setRoot(root);
-        vp->setBackground(bg);
-        endEditCP(vp);
-
-        win->addPort(vp);
-        return vp;
-    }
-
-    /// One frame; fails the test on a stray GL error.
-    void frame(void)
-    {
-        LogCapture log(LOG_WARNING);
-        win->render(action.get());
-        EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
-        EXPECT_EQ(log.take().find("stray OpenGL error"), std::string::npos);
-    }
-
-    void keep(const FieldContainerPtr &fc)
-    {
-        addRefCP(fc);
-        owned.push_back(fc);
-    }
-
-    EGLWindowPtr                   win;
-    NodePtr                        root;
-    NodePtr                        beacon;
-    PerspectiveCameraPtr           camera;
-    std::unique_ptr<RenderAction>  action;
-    std::vector<FieldContainerPtr> owned;
 };
 
 // What the edge rules make of the viewports below in a 64 x 48 window,
@@ -225,8 +129,9 @@ TEST_F(SceneFixture, ForegroundsFollowTheSceneInListOrder)
 
 TEST_F(SceneFixture, SolidBackgroundClearsWhatItsFlagsSay)
 {
-    SolidBackgroundPtr bg = solid(RGBA{0, 0, 255, 0});
+    SolidBackgroundPtr bg = SolidBackgroundPtr::dcast(solid(Blue));
     beginEditCP(bg);
+    bg->setAlpha(0.f);
     bg->setDepth(0.25f);
     bg->setClearStencilBit(5);
     endEditCP(bg);
@@ -395,8 +300,11 @@ TEST(PassiveWindowTest, RendersInTheApplicationsContext)
 
     MatrixCameraPtr cam = MatrixCamera::create();
     addRefCP(cam);
-    SolidBackgroundPtr bg = solid(Green);
+    SolidBackgroundPtr bg = SolidBackground::create();
     addRefCP(bg);
+    beginEditCP(bg);
+    bg->setColor(Color3f(0.f, 1.f, 0.f));
+    endEditCP(bg);
 
     ViewportPtr vp = Viewport::create();
     addRefCP(vp);

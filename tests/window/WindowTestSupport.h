@@ -6,10 +6,18 @@
 #include <OpenSG/OSGEGLWindow.h>
 #include <OpenSG/OSGGL.h>
 #include <OpenSG/OSGHeadlessGLContext.h>
+#include <OpenSG/OSGGroup.h>
+#include <OpenSG/OSGLog.h>
 #include <OpenSG/OSGPNGCodec.h>
+#include <OpenSG/OSGPerspectiveCamera.h>
+#include <OpenSG/OSGRenderAction.h>
+#include <OpenSG/OSGSolidBackground.h>
+#include <OpenSG/OSGTransform.h>
+#include <OpenSG/OSGViewport.h>
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -89,6 +97,105 @@ inline RGBA toRGBA(Real32 r, Real32 g, Real32 b, Real32 a = 1.f)
     auto c = [](Real32 v) { return UInt8(v * 255.f + 0.5f); };
     return RGBA{c(r), c(g), c(b), c(a)};
 }
+
+/// A window with an empty scene (a group root), a perspective camera on a
+/// transform beacon and a render action; tests add ports, backgrounds and
+/// foregrounds. Everything handed to keep() is released in reverse order.
+/// Tests are skipped where EGL gives no context.
+class FrameFixture : public ::testing::Test
+{
+  protected:
+    explicit FrameFixture(UInt16 w = 64, UInt16 h = 48) : winW(w), winH(h) {}
+
+    void SetUp(void) override
+    {
+        win = makeWindow(winW, winH);
+        if(win == NullFC)
+            GTEST_SKIP() << "no EGL context on this machine";
+
+        root = Node::create();
+        keep(root);
+        beginEditCP(root);
+        root->setCore(Group::create());
+        endEditCP(root);
+
+        beacon = Node::create();
+        keep(beacon);
+        beginEditCP(beacon);
+        beacon->setCore(Transform::create());
+        endEditCP(beacon);
+
+        camera = PerspectiveCamera::create();
+        keep(camera);
+        beginEditCP(camera);
+        camera->setBeacon(beacon);
+        camera->setFov(1.f);
+        camera->setNear(0.1f);
+        camera->setFar(10.f);
+        endEditCP(camera);
+
+        action.reset(RenderAction::create());
+    }
+
+    void TearDown(void) override
+    {
+        if(win == NullFC)
+            return;
+
+        action.reset();
+        for(UInt32 i = UInt32(owned.size()); i > 0; --i)
+            subRefCP(owned[i - 1]);
+        subRefCP(win);
+    }
+
+    void keep(const FieldContainerPtr &fc)
+    {
+        addRefCP(fc);
+        owned.push_back(fc);
+    }
+
+    /// A viewport of the window over the scene; l, r, b, t as Viewport::setSize
+    /// takes them (fractions or pixels).
+    ViewportPtr port(Real32 l, Real32 r, Real32 b, Real32 t, const BackgroundPtr &bg)
+    {
+        ViewportPtr vp = Viewport::create();
+        keep(vp);
+        keep(bg);
+        beginEditCP(vp);
+        vp->setSize(l, b, r, t);
+        vp->setCamera(camera);
+        vp->setRoot(root);
+        vp->setBackground(bg);
+        endEditCP(vp);
+        win->addPort(vp);
+        return vp;
+    }
+
+    static BackgroundPtr solid(const RGBA &c)
+    {
+        SolidBackgroundPtr bg = SolidBackground::create();
+        beginEditCP(bg);
+        bg->setColor(Color3f(c.r / 255.f, c.g / 255.f, c.b / 255.f));
+        endEditCP(bg);
+        return bg;
+    }
+
+    /// Renders one frame; no GL error and no warning may come of it.
+    void frame(void)
+    {
+        LogCapture log(LOG_WARNING);
+        win->render(action.get());
+        EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+        EXPECT_EQ(log.take(), "");
+    }
+
+    UInt16                         winW, winH;
+    EGLWindowPtr                   win;
+    NodePtr                        root, beacon;
+    PerspectiveCameraPtr           camera;
+    std::unique_ptr<RenderAction>  action;
+    std::vector<FieldContainerPtr> owned;
+};
 
 } // namespace wintest
 

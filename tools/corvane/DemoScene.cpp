@@ -16,6 +16,15 @@
 #include <OpenSG/OSGTextureChunk.h>
 #include <OpenSG/OSGTransform.h>
 #include <OpenSG/OSGViewport.h>
+#include <OpenSG/OSGDisplayFilterForeground.h>
+#include <OpenSG/OSGImprovedColorDisplayFilter.h>
+#include <OpenSG/OSGOculusRiftFilter.h>
+#include <OpenSG/OSGPassiveBackground.h>
+#include <OpenSG/OSGScreenDumpForeground.h>
+#include <OpenSG/OSGSkydomeBackground.h>
+
+#include <algorithm>
+#include <fstream>
 
 #include <memory>
 
@@ -143,43 +152,112 @@ SimpleMaterialPtr texturedMaterial(ImagePtr image, Color3f diffuse)
     return mat;
 }
 
-} // namespace
-
-bool renderShadedScene(const char *fileName, UInt32 width, UInt32 height)
+/// A latitude-longitude sky: a deep blue zenith fading to a pale horizon,
+/// a warm sun low in the west, and a dim ground below the horizon. Rows run
+/// from the south pole (row 0) to the north pole.
+ImagePtr makeSky(UInt32 width, UInt32 height)
 {
-    Holder h;
-
-    EGLWindowPtr win = h.keep(EGLWindow::create());
-    beginEditCP(win);
-    win->setSize(UInt16(width), UInt16(height));
-    endEditCP(win);
-    win->init();
-    if(!win->isInitialized())
+    ImagePtr image = Image::create();
+    beginEditCP(image);
+    image->set(Image::OSG_RGB_PF, Int32(width), Int32(height));
+    UInt8       *p       = image->editData();
+    const Vec3f  sun     = Vec3f(-0.8f, 0.25f, -0.55f) * (1.f / 1.0f);
+    Vec3f        sunDir  = sun;
+    sunDir.normalize();
+    for(UInt32 y = 0; y < height; ++y)
     {
-        FWARNING(("renderShadedScene: no OpenGL context\n"));
-        return false;
+        Real32 lat = (Real32(y) + 0.5f) / Real32(height) * Pi - Pi / 2.f;
+        for(UInt32 x = 0; x < width; ++x, p += 3)
+        {
+            Real32 lon = (Real32(x) + 0.5f) / Real32(width) * 2.f * Pi;
+            Vec3f  dir(osgcos(lat) * osgcos(lon), osgsin(lat), osgcos(lat) * osgsin(lon));
+            Color3f c;
+            if(lat >= 0.f)
+            {
+                Real32 t = osgpow(lat / (Pi / 2.f), 0.45f);
+                c        = Color3f(0.78f, 0.86f, 0.95f) * (1.f - t) +
+                    Color3f(0.16f, 0.34f, 0.72f) * t;
+            }
+            else
+            {
+                Real32 t = osgMin(-lat / 0.3f, 1.f);
+                c        = Color3f(0.45f, 0.43f, 0.38f) * (1.f - t) +
+                    Color3f(0.22f, 0.2f, 0.18f) * t;
+            }
+            Real32 glow = osgpow(osgMax(dir.dot(sunDir), 0.f), 64.f);
+            Real32 disc = dir.dot(sunDir) > 0.9995f ? 1.f : 0.f;
+            c += Color3f(1.f, 0.75f, 0.45f) * (0.6f * glow) + Color3f(1.f, 1.f, 0.9f) * disc;
+            p[0] = UInt8(osgMin(c.red(), 1.f) * 255.f);
+            p[1] = UInt8(osgMin(c.green(), 1.f) * 255.f);
+            p[2] = UInt8(osgMin(c.blue(), 1.f) * 255.f);
+        }
     }
+    endEditCP(image);
+    return image;
+}
 
-    // camera on a beacon, looking at the scene from above and in front
-    NodePtr camBeacon = h.keep(Node::create());
-    TransformPtr camXform = Transform::create();
-    Matrix camMatrix;
-    MatrixLookAt(camMatrix, Pnt3f(0.f, 3.2f, 9.f), Pnt3f(0.f, 0.6f, 0.f), Vec3f(0.f, 1.f, 0.f));
-    beginEditCP(camXform);
-    camXform->setMatrix(camMatrix);
-    endEditCP(camXform);
-    beginEditCP(camBeacon);
-    camBeacon->setCore(camXform);
-    endEditCP(camBeacon);
+BackgroundPtr makeSkydome(Holder &h)
+{
+    TextureChunkPtr tex = TextureChunk::create();
+    beginEditCP(tex);
+    tex->setImage(makeSky(512, 256));
+    tex->setMinFilter(GL_LINEAR);
+    tex->setMagFilter(GL_LINEAR);
+    tex->setWrapS(GL_REPEAT);
+    tex->setWrapT(GL_CLAMP_TO_EDGE);
+    tex->setEnvMode(GL_REPLACE);
+    endEditCP(tex);
+
+    SkydomeBackgroundPtr sky = h.keep(SkydomeBackground::create());
+    beginEditCP(sky);
+    sky->setSphereRes(48);
+    sky->setLatlongTexture(tex);
+    endEditCP(sky);
+    return sky;
+}
+
+BackgroundPtr makeSolid(Holder &h, const Color3f &c)
+{
+    SolidBackgroundPtr background = h.keep(SolidBackground::create());
+    beginEditCP(background);
+    background->setColor(c);
+    endEditCP(background);
+    return background;
+}
+
+/// A camera on its own beacon under root, at `from` looking at `at`.
+PerspectiveCameraPtr makeCamera(Holder &h, const NodePtr &root, const Pnt3f &from,
+                                const Pnt3f &at)
+{
+    TransformPtr xform = Transform::create();
+    Matrix       m;
+    MatrixLookAt(m, from, at, Vec3f(0.f, 1.f, 0.f));
+    beginEditCP(xform);
+    xform->setMatrix(m);
+    endEditCP(xform);
+
+    NodePtr beacon = Node::create();
+    beginEditCP(beacon);
+    beacon->setCore(xform);
+    endEditCP(beacon);
+    beginEditCP(root, Node::ChildrenFieldMask);
+    root->addChild(beacon);
+    endEditCP(root, Node::ChildrenFieldMask);
 
     PerspectiveCameraPtr camera = h.keep(PerspectiveCamera::create());
     beginEditCP(camera);
-    camera->setBeacon(camBeacon);
+    camera->setBeacon(beacon);
     camera->setFov(osgdegree2rad(45.f));
     camera->setNear(0.5f);
     camera->setFar(50.f);
     endEditCP(camera);
+    return camera;
+}
 
+/// The objects of every scene under a directional light: a checkered floor,
+/// a textured sphere and a torus with a GLSL rim shader.
+NodePtr makeObjects(Holder &h)
+{
     // a sun from the upper left, fixed in the world
     NodePtr lightBeacon = Node::create();
     beginEditCP(lightBeacon);
@@ -193,7 +271,6 @@ bool renderShadedScene(const char *fileName, UInt32 width, UInt32 height)
     sun->setBeacon(lightBeacon);
     endEditCP(sun);
 
-    // the objects
     NodePtr floor = makePlane(12.f, 12.f, 8, 8);
     setMaterial(floor, texturedMaterial(makeChecker(256, 16, Color3f(0.85f, 0.85f, 0.8f),
                                                     Color3f(0.25f, 0.3f, 0.35f)),
@@ -227,39 +304,172 @@ bool renderShadedScene(const char *fileName, UInt32 width, UInt32 height)
     beginEditCP(root);
     root->setCore(sun);
     root->addChild(lightBeacon);
-    root->addChild(camBeacon);
     root->addChild(placed(h, floor, Vec3f(0.f, 0.f, 0.f), flat));
     root->addChild(placed(h, sphere, Vec3f(-1.7f, 1.1f, 0.2f), Quaternion()));
     root->addChild(placed(h, torus, Vec3f(1.8f, 1.2f, -0.3f), tilt));
     endEditCP(root);
+    return root;
+}
 
-    SolidBackgroundPtr background = h.keep(SolidBackground::create());
-    beginEditCP(background);
-    background->setColor(Color3f(0.12f, 0.13f, 0.16f));
-    endEditCP(background);
-
+ViewportPtr addPort(Holder &h, const EGLWindowPtr &win, const CameraPtr &camera,
+                    const NodePtr &root, const BackgroundPtr &background, Real32 left,
+                    Real32 right)
+{
     ViewportPtr port = h.keep(Viewport::create());
     beginEditCP(port);
-    port->setSize(0.f, 0.f, 1.f, 1.f);
+    port->setSize(left, 0.f, right, 1.f);
     port->setCamera(camera);
     port->setRoot(root);
     port->setBackground(background);
     endEditCP(port);
     win->addPort(port);
+    return port;
+}
+
+void addFilter(Holder &h, const ViewportPtr &port, const DisplayFilterPtr &filter)
+{
+    DisplayFilterForegroundPtr fg = h.keep(DisplayFilterForeground::create());
+    h.keep(filter);
+    beginEditCP(fg);
+    fg->getFilter().push_back(filter);
+    endEditCP(fg);
+    beginEditCP(port, Viewport::ForegroundsFieldMask);
+    port->getForegrounds().push_back(fg);
+    endEditCP(port, Viewport::ForegroundsFieldMask);
+}
+
+/// A calibration for a display whose corners are dim and whose panel is a
+/// little blue: the table brightens towards the edges, warms the colour and
+/// re-applies the gamma the shader takes off.
+DisplayFilterPtr makeCalibration(Holder &h)
+{
+    const UInt32 W = 8, H = 6, D = 16;
+    ImprovedColorDisplayFilterPtr filter = h.keep(ImprovedColorDisplayFilter::create());
+    beginEditCP(filter);
+    filter->setGamma(2.2f);
+    filter->setWidth(W);
+    filter->setHeight(H);
+    filter->setDepth(D);
+    for(UInt32 z = 0; z < D; ++z)
+        for(UInt32 y = 0; y < H; ++y)
+            for(UInt32 x = 0; x < W; ++x)
+            {
+                Real32 u = (Real32(x) + 0.5f) / W - 0.5f, v = (Real32(y) + 0.5f) / H - 0.5f;
+                Real32 vignette = 0.55f + 0.45f * osgMin(1.f, 2.4f * (u * u + v * v));
+                Real32 value    = osgpow(Real32(z) / (D - 1), 1.f / 2.2f) * vignette;
+                filter->getTable().push_back(Vec3f(osgMin(value * 1.08f, 1.f), value,
+                                                   value * 0.85f));
+            }
+    endEditCP(filter);
+    return filter;
+}
+
+DisplayFilterPtr makeLens(Holder &h, bool leftEye)
+{
+    OculusRiftFilterPtr filter = h.keep(OculusRiftFilter::create());
+    beginEditCP(filter);
+    filter->setLeftEye(leftEye);
+    filter->setChromaAbCorrection(Vec4f(0.996f, -0.004f, 1.014f, 0.f));
+    endEditCP(filter);
+    return filter;
+}
+
+} // namespace
+
+const std::vector<std::string> &demoSceneNames(void)
+{
+    static const std::vector<std::string> names = {"shaded", "sky", "calibrated", "hmd"};
+    return names;
+}
+
+bool renderDemoScene(const std::string &name, const char *fileName, UInt32 width,
+                     UInt32 height)
+{
+    const std::vector<std::string> &names = demoSceneNames();
+    if(std::find(names.begin(), names.end(), name) == names.end())
+    {
+        FWARNING(("renderDemoScene: no scene named %s\n", name.c_str()));
+        return false;
+    }
+
+    Holder h;
+
+    EGLWindowPtr win = h.keep(EGLWindow::create());
+    beginEditCP(win);
+    win->setSize(UInt16(width), UInt16(height));
+    endEditCP(win);
+    win->init();
+    if(!win->isInitialized())
+    {
+        FWARNING(("renderDemoScene: no OpenGL context\n"));
+        return false;
+    }
+
+    NodePtr root = makeObjects(h);
+
+    if(name == "hmd")
+    {
+        // one port per eye, each warped for its lens
+        BackgroundPtr sky = makeSkydome(h);
+        for(int eye = 0; eye < 2; ++eye)
+        {
+            Real32      dx     = eye == 0 ? -0.3f : 0.3f;
+            CameraPtr   camera = makeCamera(h, root, Pnt3f(dx, 2.2f, 7.f),
+                                            Pnt3f(dx, 1.f, 0.f));
+            ViewportPtr port   = addPort(h, win, camera, root, sky, eye * 0.5f,
+                                         eye * 0.5f + 0.5f);
+            addFilter(h, port, makeLens(h, eye == 0));
+        }
+    }
+    else
+    {
+        bool        sky    = name == "sky";
+        CameraPtr   camera = sky ? makeCamera(h, root, Pnt3f(0.f, 1.4f, 9.f), Pnt3f(0.f, 2.f, 0.f))
+                                 : makeCamera(h, root, Pnt3f(0.f, 3.2f, 9.f), Pnt3f(0.f, 0.6f, 0.f));
+        ViewportPtr port   = addPort(h, win, camera, root,
+                                     sky ? makeSkydome(h)
+                                         : makeSolid(h, Color3f(0.12f, 0.13f, 0.16f)),
+                                     0.f, 1.f);
+        if(name == "calibrated")
+            addFilter(h, port, makeCalibration(h));
+    }
+
+    // a last port over the whole window grabs the composed frame into the file
+    NodePtr empty = h.keep(Node::create());
+    beginEditCP(empty);
+    empty->setCore(Group::create());
+    endEditCP(empty);
+    ImagePtr shot = h.keep(Image::create());
+    shot->set(Image::OSG_RGB_PF, Int32(width), Int32(height));
+    ScreenDumpForegroundPtr dump = h.keep(ScreenDumpForeground::create());
+    beginEditCP(dump);
+    dump->setImage(shot);
+    dump->setAutoResize(true);
+    dump->setActive(true);
+    dump->getFilenames().push_back(fileName);
+    endEditCP(dump);
+    ViewportPtr grabber = addPort(h, win, makeCamera(h, empty, Pnt3f(0.f, 0.f, 1.f), Pnt3f(0.f, 0.f, 0.f)),
+                                  empty, h.keep(PassiveBackground::create()), 0.f, 1.f);
+    beginEditCP(grabber, Viewport::ForegroundsFieldMask);
+    grabber->getForegrounds().push_back(dump);
+    endEditCP(grabber, Viewport::ForegroundsFieldMask);
 
     std::unique_ptr<RenderAction> action(RenderAction::create());
     win->render(action.get());
 
-    ImagePtr shot = h.keep(Image::create());
-    beginEditCP(shot);
-    shot->set(Image::OSG_RGBA_PF, Int32(width), Int32(height));
-    endEditCP(shot);
-    bool ok = win->readPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, shot->editData()) &&
-              shot->write(fileName);
-    win->subPort(port);
+    // the dump takes its file name off the queue whether or not it could write
+    std::ifstream written(fileName, std::ios::binary | std::ios::ate);
+    bool ok = dump->getFilenames().empty() && written.good() && written.tellg() > 0;
+    while(!win->getPort().empty())
+        win->subPort(UInt32(0));
     if(!ok)
-        FWARNING(("renderShadedScene: can't write %s\n", fileName));
+        FWARNING(("renderDemoScene: can't write %s\n", fileName));
     return ok;
+}
+
+bool renderShadedScene(const char *fileName, UInt32 width, UInt32 height)
+{
+    return renderDemoScene("shaded", fileName, width, height);
 }
 
 } // namespace corvane

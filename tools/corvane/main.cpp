@@ -3,7 +3,8 @@
 //   corvane types                         lists every field-container type
 //   corvane fields TYPE...                creates each type by name and prints its fields
 //   corvane dxt IN.png OUT.dds [dxt1|dxt5] compresses an image to a DDS file
-//   corvane render OUT.png [W H]          renders the demo scene headless to PNG
+//   corvane render OUT.png [W H]          renders the shaded demo scene headless to PNG
+//   corvane scene NAME OUT.png [W H]      renders one demo scene (shaded, sky, calibrated, hmd)
 #include <OpenSG/OSGBaseInitFunctions.h>
 #include <OpenSG/OSGFieldContainer.h>
 #include <OpenSG/OSGFieldContainerFactory.h>
@@ -34,7 +35,8 @@ int usage(void)
             "usage: corvane types\n"
             "       corvane fields TYPE...\n"
             "       corvane dxt IN.png OUT.dds [dxt1|dxt5]\n"
-            "       corvane render OUT.png [WIDTH HEIGHT]\n");
+            "       corvane render OUT.png [WIDTH HEIGHT]\n"
+            "       corvane scene shaded|sky|calibrated|hmd OUT.png [WIDTH HEIGHT]\n");
     return 2;
 }
 
@@ -136,8 +138,8 @@ int compressToDDS(int argc, char **argv)
         std::ofstream out(argv[1], std::ios::binary);
         if(corvane::writeDDS(flipped, out))
         {
-            printf("%s: %dx%d, %u bytes of %s\n", argv[1], flipped->getWidth(),
-                   flipped->getHeight(), flipped->getSize(),
+            printf("%s: %dx%d, %llu bytes of %s\n", argv[1], flipped->getWidth(),
+                   flipped->getHeight(), static_cast<unsigned long long>(flipped->getSize()),
                    flipped->getPixelFormat() == GL_COMPRESSED_RGBA_S3TC_DXT5_EXT ? "DXT5" : "DXT1");
             result = 0;
         }
@@ -148,6 +150,16 @@ int compressToDDS(int argc, char **argv)
     }
     subRefCP(flipped);
     return result;
+}
+
+/// args: OUT.png [WIDTH HEIGHT]
+int renderScene(const char *name, char **args, int count)
+{
+    UInt32 width  = count == 3 ? UInt32(atoi(args[1])) : 800;
+    UInt32 height = count == 3 ? UInt32(atoi(args[2])) : 600;
+    if(width == 0 || height == 0 || width > 8192 || height > 8192)
+        return usage();
+    return corvane::renderDemoScene(name, args[0], width, height) ? 0 : 1;
 }
 
 } // namespace
@@ -167,14 +179,9 @@ int main(int argc, char **argv)
     else if(strcmp(argv[1], "dxt") == 0 && argc > 3)
         result = compressToDDS(argc - 2, argv + 2);
     else if(strcmp(argv[1], "render") == 0 && (argc == 3 || argc == 5))
-    {
-        UInt32 width  = argc == 5 ? UInt32(atoi(argv[3])) : 800;
-        UInt32 height = argc == 5 ? UInt32(atoi(argv[4])) : 600;
-        if(width == 0 || height == 0 || width > 8192 || height > 8192)
-            result = usage();
-        else
-            result = corvane::renderShadedScene(argv[2], width, height) ? 0 : 1;
-    }
+        result = renderScene("shaded", argv + 2, argc - 2);
+    else if(strcmp(argv[1], "scene") == 0 && (argc == 4 || argc == 6))
+        result = renderScene(argv[2], argv + 3, argc - 3);
     else
         result = usage();
 

@@ -29,4 +29,20 @@ void ForegroundGroup::dump(UInt32, const BitVector) const
     SLOG << "Dump ForegroundGroup NI" << std::endl;
 }
 
+void ForegroundGroup::draw(DrawActionBase *action, Viewport *port)
+{
+    if(!getActive())
+        return;
+
+    // A member may change the list while it draws, so its size is read anew
+    // for every entry.
+    for(UInt32 i = 0; i < getForegrounds().size(); ++i)
+    {
+        ForegroundPtr fg = getForegrounds(i);
+
+        if(fg != NullFC)
+            fg->draw(action, port);
+    }
+}
+
 OSG_END_NAMESPACE
