@@ -189,16 +189,6 @@ class FilterFrame : public wintest::FrameFixture
         endEditCP(filters, DisplayFilterForeground::FilterFieldMask);
     }
 
-    /// One frame; what it logged at warning level and up is returned, and a
-    /// GL error fails the test.
-    std::string render(void)
-    {
-        LogCapture log(LOG_WARNING);
-        win->render(action.get());
-        EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
-        return log.take();
-    }
-
     /// The pixels [left, left + w) x [bottom, bottom + h) of the window.
     Picture grab(Int32 left, Int32 bottom, Int32 w, Int32 h, const std::string &png = "")
     {

@@ -180,7 +180,7 @@ class ColourFilter : public FilterFrame
 TEST_F(ColourFilter, DefaultFieldsWarnAndFallBackToTheIdentityRamp)
 {
     // The default table is empty, so it never fits 1 x 1 x 2.
-    const std::string log = render();
+    const std::string log = frameLog();
     EXPECT_NE(log.find("Wrong shanding table size\n"), std::string::npos) << log;
     EXPECT_EQ(log.find("rror"), std::string::npos) << log;
 
@@ -233,7 +233,7 @@ TEST_F(ColourFilter, GammaMatrixAndTableMatchTheShaderMaths)
     filter->setMatrix(m);
     endEditCP(filter);
 
-    EXPECT_EQ(render(), "");
+    frame();
 
     Int32 w = 0, h = 0, d = 0;
     SHLChunkPtr shl = shaderOf(material());
@@ -254,7 +254,7 @@ TEST_F(ColourFilter, FieldEditsAfterTheBuildChangeNothing)
 {
     const Table table(3, 2, 4);
     setTable(table);
-    EXPECT_EQ(render(), "");
+    frame();
     const Picture before = grab();
 
     beginEditCP(filter);
@@ -263,7 +263,7 @@ TEST_F(ColourFilter, FieldEditsAfterTheBuildChangeNothing)
     filter->getTable()[0] = Vec3f(1.f, 1.f, 1.f);
     endEditCP(filter);
 
-    EXPECT_EQ(render(), "");
+    frame();
     EXPECT_TRUE(before.px == grab().px);
 
     Real32 gamma = 0.f;
@@ -272,7 +272,7 @@ TEST_F(ColourFilter, FieldEditsAfterTheBuildChangeNothing)
 
     // A new build reads them.
     rebuild();
-    EXPECT_EQ(render(), "");
+    frame();
     EXPECT_FALSE(before.px == grab().px);
     EXPECT_TRUE(shaderOf(material())->getUniformParameter("gamma", gamma));
     EXPECT_FLOAT_EQ(gamma, 1.f);
@@ -282,14 +282,14 @@ TEST_F(ColourFilter, TableSizeIsCheckedAgainstTheDimensions)
 {
     // Exactly width * height * depth entries: no warning.
     setTable(Table(1, 1, 2));
-    EXPECT_EQ(render(), "");
+    frame();
 
     // One entry short: warned, and the identity ramp stands in.
     Table short3(3, 2, 4);
     short3.entries.pop_back();
     setTable(short3);
     rebuild();
-    EXPECT_NE(render().find("Wrong shanding table size\n"), std::string::npos);
+    EXPECT_NE(frameLog().find("Wrong shanding table size\n"), std::string::npos);
     EXPECT_EQ(filter->getTable().size(), 23u);
     EXPECT_EQ(filter->getWidth(), 3u);
     EXPECT_EQ(shadingTexture()->getImage()->getWidth(), 1);
@@ -303,7 +303,7 @@ TEST_F(ColourFilter, TableSizeIsCheckedAgainstTheDimensions)
     filter->getTable().clear();
     endEditCP(filter);
     rebuild();
-    const std::string log = render();
+    const std::string log = frameLog();
     EXPECT_EQ(log.find("Wrong shanding table size"), std::string::npos) << log;
     EXPECT_EQ(shadingTexture()->getImage()->getWidth(), 0);
     EXPECT_TRUE(shaderOf(material())->getUniformParameter("shadingWidth", w));
@@ -322,7 +322,7 @@ TEST_F(ColourFilter, DebugModesShowTheTopOfTheTable)
     // The debug program compiles and links; it reads neither the grabbed
     // image nor (the colour being replaced) the table depth, so the chunk
     // reports those two uniforms as unknown to it, and nothing else.
-    std::string log = render();
+    std::string log = frameLog();
     EXPECT_TRUE(onlyUnusedUniforms(log)) << log;
 
     SHLChunkPtr shl = shaderOf(material());
@@ -351,7 +351,7 @@ TEST_F(ColourFilter, DebugModesShowTheTopOfTheTable)
     filter->setDebugMode(2);
     endEditCP(filter);
     rebuild();
-    log = render();
+    log = frameLog();
     EXPECT_TRUE(onlyUnusedUniforms(log)) << log;
     EXPECT_EQ(shadingTexture()->getMinFilter(), GLenum(GL_NEAREST));
     EXPECT_EQ(shadingTexture()->getMagFilter(), GLenum(GL_NEAREST));
@@ -377,7 +377,7 @@ TEST_F(ColourFilter, DebugModesShowTheTopOfTheTable)
     filter->setDebugMode(0);
     endEditCP(filter);
     rebuild();
-    EXPECT_EQ(render(), "");
+    frame();
     EXPECT_FALSE(shaderOf(material())->hasUniformParameter("debugColor"));
     EXPECT_EQ(shaderOf(material())->getFragmentProgram().find("debugColor"), std::string::npos);
 }

@@ -28,8 +28,6 @@ using namespace wintest;
 namespace
 {
 
-const RGBA Grey = {64, 64, 64, 255}, Red = {255, 0, 0, 255}, Green = {0, 255, 0, 255},
-           Blue = {0, 0, 255, 255}, Yellow = {255, 255, 0, 255};
 const RGBA Empty = {0, 0, 0, 0}; // a fresh target's texels
 
 const Vec4f NoOverride(0.f, 0.f, 0.f, 0.f);

@@ -28,9 +28,6 @@ using namespace wintest;
 namespace
 {
 
-const RGBA Grey  = {64, 64, 64, 255};
-const RGBA Red   = {255, 0, 0, 255};
-const RGBA Green = {0, 255, 0, 255};
 
 /// The background colour of frame i: every frame differs from its
 /// neighbours, so a lag shows as a colour.

@@ -346,8 +346,10 @@ TEST(VolumeConversion, EncodeIsTheInverseOfDecode)
             ASSERT_TRUE(encodeVolumeData(layout, image.data(), image.size(), file));
             ASSERT_EQ(file.size(), image.size());
             if(volumeElementSize(element) > 1)
+            {
                 EXPECT_EQ(file[0], big ? image[volumeElementSize(element) - 1]
                                        : image[0]);
+            }
             ASSERT_TRUE(decodeVolumeData(layout, file.data(), file.size(),
                                          back.data(), back.size()));
             EXPECT_EQ(back, image);

@@ -23,10 +23,6 @@ using namespace wintest;
 namespace
 {
 
-const RGBA Red     = {255, 0, 0, 255};    // around +x
-const RGBA Green   = {0, 255, 0, 255};    // around +z
-const RGBA Blue    = {0, 0, 255, 255};    // around -x
-const RGBA Yellow  = {255, 255, 0, 255};  // around -z
 const RGBA Sky     = {0, 255, 255, 255};  // above 45 degrees
 const RGBA Ground  = {128, 64, 0, 255};   // below -45 degrees
 const RGBA Magenta = {255, 0, 255, 255};

@@ -24,12 +24,7 @@ using namespace wintest;
 namespace
 {
 
-const RGBA Grey   = {64, 64, 64, 255};
 const RGBA Back   = {128, 128, 128, 255};
-const RGBA Red    = {255, 0, 0, 255};
-const RGBA Green  = {0, 255, 0, 255};
-const RGBA Blue   = {0, 0, 255, 255};
-const RGBA Yellow = {255, 255, 0, 255};
 
 // The filtered port: pixels 8..39 x 4..27 (32 x 24) of a 64 x 48 window.
 const Int32 PortL = 8, PortB = 4, PortW = 32, PortH = 24;
@@ -119,15 +114,6 @@ class FilterFixture : public FrameFixture
         beginEditCP(filters, DisplayFilterForeground::FilterFieldMask);
         filters->getFilter().push_back(f);
         endEditCP(filters, DisplayFilterForeground::FilterFieldMask);
-    }
-
-    /// One frame that may warn; its log (warnings and up) is returned.
-    std::string frameLog(void)
-    {
-        LogCapture log(LOG_WARNING);
-        win->render(action.get());
-        EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
-        return log.take();
     }
 
     /// Compares the port's pixels with expect(x, y) within tolerance; the

@@ -29,9 +29,6 @@ using namespace wintest;
 namespace
 {
 
-const RGBA Grey  = {64, 64, 64, 255};
-const RGBA Red   = {255, 0, 0, 255};
-const RGBA Green = {0, 255, 0, 255};
 
 class GrabFixture : public FrameFixture
 {

@@ -128,7 +128,9 @@ TEST_F(HeadlessGLContextTest, ComesUpWithACompatibilityContextAndItsFramebuffer)
     glGetIntegerv(GL_FRAMEBUFFER_BINDING, &bound);
     EXPECT_EQ(GLuint(bound), ctx.getFramebufferId());
     if(!ctx.isSurfaceless())
+    {
         EXPECT_EQ(ctx.getFramebufferId(), 0u);
+    }
     EXPECT_NE(ctx.getProcAddress("glGenFramebuffers"), nullptr);
     EXPECT_EQ(ctx.getProcAddress(nullptr), nullptr);
 }

@@ -16,11 +16,6 @@ using namespace wintest;
 namespace
 {
 
-const RGBA Grey   = {64, 64, 64, 255};
-const RGBA Red    = {255, 0, 0, 255};
-const RGBA Green  = {0, 255, 0, 255};
-const RGBA Blue   = {0, 0, 255, 255};
-const RGBA Yellow = {255, 255, 0, 255};
 
 // The port: pixels 8..55 x 4..43 of a 64 x 48 window, 48 x 40 pixels.
 const Int32 PortL = 8, PortB = 4, PortW = 48, PortH = 40;

@@ -15,10 +15,6 @@ using namespace wintest;
 namespace
 {
 
-const RGBA Grey  = {64, 64, 64, 255};
-const RGBA Red   = {255, 0, 0, 255};
-const RGBA Green = {0, 255, 0, 255};
-const RGBA Blue  = {0, 0, 255, 255};
 
 // A scene, camera and everything a viewport needs, kept alive by the test.
 class SceneFixture : public FrameFixture

@@ -44,6 +44,13 @@ inline std::ostream &operator<<(std::ostream &os, const RGBA &c)
               << int(c.a);
 }
 
+// The colours the tests paint with.
+const RGBA Grey   = {64, 64, 64, 255};
+const RGBA Red    = {255, 0, 0, 255};
+const RGBA Green  = {0, 255, 0, 255};
+const RGBA Blue   = {0, 0, 255, 255};
+const RGBA Yellow = {255, 255, 0, 255};
+
 /// An initialised EGL window of w x h, or NullFC when EGL gives no context
 /// (the caller skips). The caller releases it with subRefCP.
 inline EGLWindowPtr makeWindow(UInt16 w, UInt16 h)
@@ -180,14 +187,18 @@ class FrameFixture : public ::testing::Test
         return bg;
     }
 
-    /// Renders one frame; no GL error and no warning may come of it.
-    void frame(void)
+    /// Renders one frame and returns what it logged at warning level and
+    /// up; a GL error fails the test.
+    std::string frameLog(void)
     {
         LogCapture log(LOG_WARNING);
         win->render(action.get());
         EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
-        EXPECT_EQ(log.take(), "");
+        return log.take();
     }
+
+    /// Renders one frame; no GL error and no warning may come of it.
+    void frame(void) { EXPECT_EQ(frameLog(), ""); }
 
     UInt16                         winW, winH;
     EGLWindowPtr                   win;
