@@ -26,7 +26,7 @@ namespace
 {
 
 template <class FuncT>
-FuncT glFunc(Window *win, UInt32 id)
+FuncT pboFunc(Window *win, UInt32 id)
 {
     return reinterpret_cast<FuncT>(win->getFunction(id));
 }
@@ -129,10 +129,10 @@ bool PBOGrabForeground::pbosReady(Window *win, UInt32 size)
     if(Int32(_pboIds.size()) == numPBOs && _bufferSize == size)
         return true;
 
-    PFNGLGENBUFFERSARBPROC    genBuffers    = glFunc<PFNGLGENBUFFERSARBPROC>(win, _funcGenBuffers);
-    PFNGLDELETEBUFFERSARBPROC deleteBuffers = glFunc<PFNGLDELETEBUFFERSARBPROC>(win, _funcDeleteBuffers);
-    PFNGLBINDBUFFERARBPROC    bindBuffer    = glFunc<PFNGLBINDBUFFERARBPROC>(win, _funcBindBuffer);
-    PFNGLBUFFERDATAARBPROC    bufferData    = glFunc<PFNGLBUFFERDATAARBPROC>(win, _funcBufferData);
+    PFNGLGENBUFFERSARBPROC    genBuffers    = pboFunc<PFNGLGENBUFFERSARBPROC>(win, _funcGenBuffers);
+    PFNGLDELETEBUFFERSARBPROC deleteBuffers = pboFunc<PFNGLDELETEBUFFERSARBPROC>(win, _funcDeleteBuffers);
+    PFNGLBINDBUFFERARBPROC    bindBuffer    = pboFunc<PFNGLBINDBUFFERARBPROC>(win, _funcBindBuffer);
+    PFNGLBUFFERDATAARBPROC    bufferData    = pboFunc<PFNGLBUFFERDATAARBPROC>(win, _funcBufferData);
 
     // A context without the entry points reads straight into the image.
     if(genBuffers == NULL || deleteBuffers == NULL || bindBuffer == NULL || bufferData == NULL)
@@ -242,9 +242,9 @@ void PBOGrabForeground::draw(DrawActionBase *action, Viewport *port)
     // An empty ring has no buffer to read into: that is the direct path too.
     if(pbosReady(win, size) && !_pboIds.empty() && _currentPBO >= 0)
     {
-        PFNGLBINDBUFFERARBPROC  bindBuffer  = glFunc<PFNGLBINDBUFFERARBPROC>(win, _funcBindBuffer);
-        PFNGLMAPBUFFERARBPROC   mapBuffer   = glFunc<PFNGLMAPBUFFERARBPROC>(win, _funcMapBuffer);
-        PFNGLUNMAPBUFFERARBPROC unmapBuffer = glFunc<PFNGLUNMAPBUFFERARBPROC>(win, _funcUnmapBuffer);
+        PFNGLBINDBUFFERARBPROC  bindBuffer  = pboFunc<PFNGLBINDBUFFERARBPROC>(win, _funcBindBuffer);
+        PFNGLMAPBUFFERARBPROC   mapBuffer   = pboFunc<PFNGLMAPBUFFERARBPROC>(win, _funcMapBuffer);
+        PFNGLUNMAPBUFFERARBPROC unmapBuffer = pboFunc<PFNGLUNMAPBUFFERARBPROC>(win, _funcUnmapBuffer);
 
         const Int32 next = (_currentPBO + 1) % Int32(_pboIds.size());
 

@@ -43,12 +43,6 @@ Real32 tetra6(const Pnt3f &a, const Pnt3f &b, const Pnt3f &c, const Pnt3f &d)
     return std::fabs((b - a).dot((c - a).cross(d - a)));
 }
 
-const Volume &unwrap(const Volume &v)
-{
-    const DynamicVolume *dyn = dynamic_cast<const DynamicVolume *>(&v);
-    return dyn != NULL ? dyn->getInstance() : v;
-}
-
 } // namespace
 
 FrustumVolume::FrustumVolume(void) : Volume()
@@ -381,10 +375,12 @@ bool intersect(const FrustumVolume &frustum, const SphereVolume &sphere,
     return true;
 }
 
-bool intersect(const FrustumVolume &frustum, const Volume &vol,
+bool intersect(const FrustumVolume &frustum, const Volume &v,
                FrustumVolume::PlaneSet &inplanes)
 {
-    const Volume &v = unwrap(vol);
+    // A DynamicVolume counts as its instance.
+    if(const DynamicVolume *dyn = dynamic_cast<const DynamicVolume *>(&v))
+        return intersect(frustum, dyn->getInstance(), inplanes);
 
     if(const BoxVolume *box = dynamic_cast<const BoxVolume *>(&v))
         return intersect(frustum, *box, inplanes);

@@ -76,6 +76,8 @@ OSG_FIELD_TYPE_DEF(Quaternion, 0, FieldDataTraits);
 OSG_FIELD_TYPE_DEF(Matrix, 0, FieldDataTraits);
 OSG_FIELD_TYPE_DEF(DynamicVolume, 0, FieldDataTraits);
 
+#undef OSG_FIELD_TYPE_DEF
+
 void FieldDataTraits<DynamicVolume>::copyToBin(BinaryDataHandler &mem, const DynamicVolume &v)
 {
     mem.putValue(UInt32(v.getType()));

@@ -13,21 +13,7 @@ OSG_BEGIN_NAMESPACE
 namespace
 {
 
-const Char8 *suffixArray[] = {"dat"};
-
-/// A header is a few lines; anything this long is not one.
-const UInt64 MaxHeaderBytes = UInt64(1) << 20;
-
-bool canOpen(const std::string &path)
-{
-    FILE *file = std::fopen(path.c_str(), "rb");
-
-    if(file == NULL)
-        return false;
-
-    std::fclose(file);
-    return true;
-}
+const Char8 *datSuffixes[] = {"dat"};
 
 /// The raw file: beside the header first, then as written (relative to
 /// the working directory); each without and with ".gz". "" if none opens.
@@ -51,7 +37,7 @@ std::string findRawFile(const std::string &datFile,
         {
             const std::string name = gz ? names[i] + ".gz" : names[i];
 
-            if(canOpen(name))
+            if(volumeFileCanOpen(name))
                 return name;
         }
     }
@@ -60,8 +46,8 @@ std::string findRawFile(const std::string &datFile,
 
 } // namespace
 
-DATImageFileType DATImageFileType::_the("image/x-dat", suffixArray,
-                                        sizeof(suffixArray),
+DATImageFileType DATImageFileType::_the("image/x-dat", datSuffixes,
+                                        sizeof(datSuffixes),
                                         OSG_READ_SUPPORTED);
 
 DATImageFileType &DATImageFileType::the(void)
@@ -89,7 +75,7 @@ bool DATImageFileType::read(ImagePtr &image, const Char8 *fileName)
     // A header that can not be opened has no lines, and so no
     // ObjectFileName: that is the message the caller gets.
     std::vector<UInt8> text;
-    volumeReadFile(fileName, 0, MaxHeaderBytes, false, text);
+    volumeReadFile(fileName, 0, MaxVolumeHeaderBytes, false, text);
 
     VolumeHeaderEntries entries;
     splitDATHeader(reinterpret_cast<const char *>(text.data()), text.size(),

@@ -16,10 +16,7 @@ OSG_BEGIN_NAMESPACE
 namespace
 {
 
-const Char8 *suffixArray[] = {"mhd", "mha"};
-
-/// The header of a .mha must end within this many bytes.
-const UInt64 MaxHeaderBytes = UInt64(1) << 20;
+const Char8 *mhdSuffixes[] = {"mhd", "mha"};
 
 /// Largest compressed block we read; zlib never makes data much bigger.
 const UInt64 MaxCompressedBytes = MaxVolumeBytes + (UInt64(1) << 20);
@@ -114,21 +111,10 @@ bool decodeBlock(const MetaImageHeader &header, std::vector<UInt8> &block,
     return true;
 }
 
-bool canOpen(const std::string &path)
-{
-    FILE *file = std::fopen(path.c_str(), "rb");
-
-    if(file == NULL)
-        return false;
-
-    std::fclose(file);
-    return true;
-}
-
 } // namespace
 
-MHDImageFileType MHDImageFileType::_the("image/x-metaimage", suffixArray,
-                                        sizeof(suffixArray),
+MHDImageFileType MHDImageFileType::_the("image/x-metaimage", mhdSuffixes,
+                                        sizeof(mhdSuffixes),
                                         OSG_READ_SUPPORTED |
                                             OSG_WRITE_SUPPORTED);
 
@@ -156,7 +142,7 @@ bool MHDImageFileType::read(ImagePtr &image, const Char8 *fileName)
 
     std::vector<UInt8> head;
 
-    if(!volumeReadFile(fileName, 0, MaxHeaderBytes, false, head))
+    if(!volumeReadFile(fileName, 0, MaxVolumeHeaderBytes, false, head))
     {
         FWARNING(("MetaImage: can not open %s\n", fileName));
         return false;
@@ -181,9 +167,9 @@ bool MHDImageFileType::read(ImagePtr &image, const Char8 *fileName)
         const std::string dir = volumeDirectoryOf(fileName);
 
         if(header.dataFile[0] != '/' && !dir.empty() &&
-           canOpen(dir + header.dataFile))
+           volumeFileCanOpen(dir + header.dataFile))
             dataName = dir + header.dataFile;
-        else if(canOpen(header.dataFile))
+        else if(volumeFileCanOpen(header.dataFile))
             dataName = header.dataFile;
     }
 
@@ -235,7 +221,7 @@ bool MHDImageFileType::read(ImagePtr &image, std::istream &is,
 
     std::vector<UInt8> bytes;
 
-    if(!volumeReadStream(is, MaxCompressedBytes + MaxHeaderBytes, bytes))
+    if(!volumeReadStream(is, MaxCompressedBytes + MaxVolumeHeaderBytes, bytes))
     {
         FWARNING(("MetaImage: error reading the stream\n"));
         return false;

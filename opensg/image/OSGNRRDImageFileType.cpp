@@ -14,17 +14,17 @@ OSG_BEGIN_NAMESPACE
 namespace
 {
 
-const Char8 *suffixArray[] = {"nrrd", "nhdr"};
+const Char8 *nrrdSuffixes[] = {"nrrd", "nhdr"};
 
-const Char8 Magic[7] = {'N', 'R', 'R', 'D', '0', '0', '0'};
+const Char8 NRRDFilePrefix[7] = {'N', 'R', 'R', 'D', '0', '0', '0'};
 
 /// Room for a header in front of the largest volume we take.
 const UInt64 MaxStreamBytes = MaxVolumeBytes + (UInt64(1) << 20);
 
 } // namespace
 
-NRRDImageFileType NRRDImageFileType::_the("image/x-nrrd", suffixArray,
-                                          sizeof(suffixArray),
+NRRDImageFileType NRRDImageFileType::_the("image/x-nrrd", nrrdSuffixes,
+                                          sizeof(nrrdSuffixes),
                                           OSG_READ_SUPPORTED |
                                               OSG_WRITE_SUPPORTED);
 
@@ -113,23 +113,24 @@ bool NRRDImageFileType::validateHeader(const Char8 *fileName,
         return false;
 
     std::ifstream is(fileName, std::ios::in | std::ios::binary);
-    Char8         head[sizeof(Magic)];
+    Char8         head[sizeof(NRRDFilePrefix)];
 
     if(!is.read(head, sizeof(head)))
         return false;
 
-    return std::memcmp(head, Magic, sizeof(Magic)) == 0;
+    return std::memcmp(head, NRRDFilePrefix, sizeof(NRRDFilePrefix)) == 0;
 }
 
 std::string NRRDImageFileType::determineMimetypeFromStream(std::istream &is)
 {
     const std::streampos start = is.tellg();
-    Char8                head[sizeof(Magic)];
+    Char8                head[sizeof(NRRDFilePrefix)];
 
     is.read(head, sizeof(head));
 
-    const bool match = is.gcount() == std::streamsize(sizeof(head)) &&
-                       std::memcmp(head, Magic, sizeof(Magic)) == 0;
+    const bool match =
+        is.gcount() == std::streamsize(sizeof(head)) &&
+        std::memcmp(head, NRRDFilePrefix, sizeof(NRRDFilePrefix)) == 0;
 
     is.clear();
     is.seekg(start);

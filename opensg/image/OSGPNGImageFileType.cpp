@@ -13,7 +13,7 @@ OSG_BEGIN_NAMESPACE
 namespace
 {
 
-const Char8 *suffixArray[] = {"png"};
+const Char8 *pngSuffixes[] = {"png"};
 
 const Char8 Signature[4] = {'\x89', 'P', 'N', 'G'};
 
@@ -42,8 +42,8 @@ UInt32 pixelsPerMeter(Real32 res, UInt16 resUnit)
 
 } // namespace
 
-PNGImageFileType PNGImageFileType::_the("image/png", suffixArray,
-                                        sizeof(suffixArray),
+PNGImageFileType PNGImageFileType::_the("image/png", pngSuffixes,
+                                        sizeof(pngSuffixes),
                                         OSG_READ_SUPPORTED |
                                             OSG_WRITE_SUPPORTED);
 

@@ -1257,6 +1257,17 @@ bool volumeHostIsLittleEndian(void)
     return first == 1;
 }
 
+bool volumeFileCanOpen(const std::string &path)
+{
+    FILE *file = std::fopen(path.c_str(), "rb");
+
+    if(file == NULL)
+        return false;
+
+    std::fclose(file);
+    return true;
+}
+
 std::string volumeDirectoryOf(const std::string &path)
 {
     std::string::size_type slash = path.find_last_of('/');

@@ -58,6 +58,10 @@ struct VolumeLayout
 /// a header may announce: Image counts the bytes of one level in 32 bits.
 const UInt64 MaxVolumeBytes = (UInt64(1) << 32) - 1;
 
+/// A text header (DAT, MetaImage) is a few lines; one that does not end
+/// within this many bytes is not taken for one.
+const UInt64 MaxVolumeHeaderBytes = UInt64(1) << 20;
+
 /// Bytes of one element as stored; 0 for VolumeElementInvalid.
 UInt32 volumeElementSize(VolumeElement element);
 
@@ -214,6 +218,9 @@ bool volumeReadFile(const std::string &path, UInt64 offset, UInt64 maxBytes,
 /// is emptied first), growing by 1 MiB steps so that a stream never costs
 /// more than it holds. False when the stream reports a read error.
 bool volumeReadStream(std::istream &is, UInt64 limit, std::vector<UInt8> &out);
+
+/// True when path can be opened for reading.
+bool volumeFileCanOpen(const std::string &path);
 
 /// The size of a file in bytes; false when it can not be opened.
 bool volumeFileSize(const std::string &path, UInt64 &size);

@@ -56,7 +56,7 @@ bool isDepthFormat(GLenum format)
            format == GL_DEPTH_COMPONENT24 || format == GL_DEPTH_COMPONENT32;
 }
 
-bool isMipmapFilter(GLenum filter)
+bool minFilterUsesMipmaps(GLenum filter)
 {
     return filter == GL_NEAREST_MIPMAP_NEAREST ||
            filter == GL_LINEAR_MIPMAP_NEAREST ||
@@ -526,7 +526,7 @@ void FBOViewport::validateTarget(Window *win, TextureChunk *tex, GLenum &target,
     glId = win->getGLObjectId(tex->getGLId());
 
     // The mipmaps show what the texture held before this pass.
-    if(isMipmapFilter(tex->getMinFilter()) && genMipmap != NULL)
+    if(minFilterUsesMipmaps(tex->getMinFilter()) && genMipmap != NULL)
     {
         glBindTexture(target, glId);
         genMipmap(target);

@@ -1,6 +1,6 @@
 /// EGL-based headless OpenGL context with an off-screen framebuffer.
 
-#define GL_GLEXT_PROTOTYPES
+#define GL_GLEXT_PROTOTYPES 1
 #include <GL/gl.h>
 #include <GL/glext.h>
 

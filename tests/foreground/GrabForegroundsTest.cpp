@@ -38,7 +38,7 @@ RGBA frameColour(UInt32 i)
 
 // The composed frame of the layout tests: grey everywhere, a red rectangle
 // at pixels 8..39 x 4..27.
-RGBA layout(UInt32 x, UInt32 y)
+RGBA layoutPixel(UInt32 x, UInt32 y)
 {
     if(x >= 8 && x <= 39 && y >= 4 && y <= 27)
         return Red;
@@ -142,7 +142,7 @@ TEST_F(GrabsFixture, RingOfOneReadsTheFrameJustDrawn)
     ASSERT_EQ(img->getWidth(), 64);
     ASSERT_EQ(img->getHeight(), 48);
     EXPECT_EQ(img->getPixelFormat(), UInt32(GL_RGBA));
-    EXPECT_EQ(mismatches(img, layout, "ring of 1"), 0u);
+    EXPECT_EQ(mismatches(img, layoutPixel, "ring of 1"), 0u);
 }
 
 class RingLagTest : public GrabsFixture, public ::testing::WithParamInterface<Int32>
@@ -257,8 +257,8 @@ TEST_F(GrabsFixture, FixedImageSmallerThanThePortGetsTheLowerLeftPart)
 
     ASSERT_EQ(ring->getWidth(), 20);
     ASSERT_EQ(ring->getHeight(), 10);
-    EXPECT_EQ(mismatches(ring, layout, "ring"), 0u);
-    EXPECT_EQ(mismatches(direct, layout, "direct"), 0u);
+    EXPECT_EQ(mismatches(ring, layoutPixel, "ring"), 0u);
+    EXPECT_EQ(mismatches(direct, layoutPixel, "direct"), 0u);
 }
 
 TEST_F(GrabsFixture, ViewportOfWidthOneCountsAsTwo)
@@ -405,10 +405,10 @@ TEST_F(GrabsFixture, ScreenDumpWritesOneFilePerFrame)
     frame();
     EXPECT_TRUE(dump->getMFFilenames()->empty());
 
-    EXPECT_EQ(pngMismatches(first, 64, 48, layout), 0u);
+    EXPECT_EQ(pngMismatches(first, 64, 48, layoutPixel), 0u);
     EXPECT_EQ(pngMismatches(second, 64, 48,
                             [](UInt32 x, UInt32 y) {
-                                return layout(x, y) == Red ? Red : Green;
+                                return layoutPixel(x, y) == Red ? Red : Green;
                             }),
               0u);
 

@@ -105,7 +105,7 @@ class ImageFiles : public ::testing::Test
     std::vector<std::string> files;
 };
 
-ImagePtr makeImage(void)
+ImagePtr emptyImage(void)
 {
     ImagePtr image = Image::create();
     addRefCP(image);
@@ -125,7 +125,7 @@ ImagePtr patternImage(UInt32 channels, UInt32 bits)
     bytes.front() = 0x00;
     bytes.back()  = 0xFF;
 
-    ImagePtr image = makeImage();
+    ImagePtr image = emptyImage();
     EXPECT_TRUE(image->set(formatByChannels[channels], 5, 3, 1, 1, 1, 0.0, bytes.data(), type));
     return image;
 }
@@ -264,7 +264,7 @@ TEST_F(ImageFiles, HeaderCheckRecognisesMisnamedFiles)
     EXPECT_EQ(h.getFileType(NULL, junkAsPng.c_str(), false), &PNGImageFileType::the());
 
     // reading goes through the recognised type
-    ImagePtr image = makeImage();
+    ImagePtr image = emptyImage();
     ASSERT_TRUE(h.read(image, tstAsPng.c_str()));
     EXPECT_EQ(image->getData()[0], 42);
     ASSERT_TRUE(image->read(pngAsTst.c_str()));
@@ -331,7 +331,7 @@ TEST_F(ImageFiles, PNGRoundTripsEveryFormatByStream)
 
             // into an existing image, which takes the file's geometry
             std::istringstream again(encode(image));
-            ImagePtr           existing = makeImage();
+            ImagePtr           existing = emptyImage();
             existing->set(GL_RGBA, 64, 64, 4, 1, 1, 0.0, NULL, GL_FLOAT);
             ASSERT_TRUE(ImageFileHandler::the().read(existing, again, "image/png"));
             expectSamePixels(image, existing);
@@ -353,7 +353,7 @@ TEST_F(ImageFiles, RelativeNamesBecomeAbsoluteAndTheNameIsRemembered)
 
     ImagePtr image = patternImage(3, 8);
     ASSERT_TRUE(image->write("relative.png"));
-    ImagePtr back = makeImage();
+    ImagePtr back = emptyImage();
     ASSERT_TRUE(back->read("relative.png"));
     EXPECT_EQ(back->getName(), dir + "/relative.png");
     EXPECT_EQ(*back->findAttachmentField("fileName"), "relative.png");
@@ -372,7 +372,7 @@ TEST_F(ImageFiles, RelativeNamesBecomeAbsoluteAndTheNameIsRemembered)
 TEST(PNGFiles, RowsAreWrittenTopFirstAndBGRAsRGB)
 {
     // row 0 is the bottom row: red at the bottom, blue on top
-    ImagePtr image = makeImage();
+    ImagePtr image = emptyImage();
     const UInt8 rows[] = {255, 0, 0, 0, 0, 255};
     ASSERT_TRUE(image->set(GL_RGB, 1, 2, 1, 1, 1, 0.0, rows));
     EXPECT_EQ(decodeTopDown(encode(image), PNG_FORMAT_RGB),
@@ -409,7 +409,7 @@ TEST(PNGFiles, ResolutionTravelsAsPixelsPerMetre)
 
 TEST(PNGFiles, WriterRefusesWhatPNGCannotHold)
 {
-    ImagePtr           image = makeImage();
+    ImagePtr           image = emptyImage();
     std::ostringstream out;
     LogCapture         log;
 
@@ -454,7 +454,7 @@ TEST(PNGFiles, TruncatedStreamsFailAndLeaveTheImage)
     const std::string good   = encode(source);
 
     ImagePtr keep = patternImage(2, 8);
-    ImagePtr image = makeImage();
+    ImagePtr image = emptyImage();
     image->set(keep);
 
     LogCapture log;
@@ -490,7 +490,7 @@ TEST_F(ImageFiles, CorruptAndTruncatedFilesFailWithALogLine)
     putFile(emptyFile, "");
 
     LogCapture log;
-    ImagePtr   image = makeImage();
+    ImagePtr   image = emptyImage();
 
     EXPECT_FALSE(image->read(corruptFile.c_str()));
     std::string text = log.take();

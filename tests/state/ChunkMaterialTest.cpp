@@ -18,17 +18,10 @@
 #include <gtest/gtest.h>
 
 using namespace osg;
+using statetest::make;
 
 namespace
 {
-template <class PtrT>
-PtrT make(void)
-{
-    PtrT p = PtrT::StoredObjectType::create();
-    addRefCP(p);
-    return p;
-}
-
 RecordingTestChunkPtr recording(const std::string &label)
 {
     RecordingTestChunkPtr c = make<RecordingTestChunkPtr>();

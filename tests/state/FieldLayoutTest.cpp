@@ -1,5 +1,7 @@
 // Field ids, names and defaults that files, the wire format and subclasses
 // in other libraries rely on.
+#include "StateGLSupport.h"
+
 #include <OpenSG/OSGBlendChunk.h>
 #include <OpenSG/OSGChunkMaterial.h>
 #include <OpenSG/OSGColorMaskChunk.h>
@@ -14,6 +16,7 @@
 #include <gtest/gtest.h>
 
 using namespace osg;
+using statetest::make;
 
 namespace
 {
@@ -22,14 +25,6 @@ UInt32 idOf(const FieldContainerType &type, const char *name)
 {
     const FieldDescription *desc = type.findFieldDescription(name);
     return desc != NULL ? desc->getFieldId() : 0;
-}
-
-template <class PtrT>
-PtrT make(void)
-{
-    PtrT p = PtrT::StoredObjectType::create();
-    addRefCP(p);
-    return p;
 }
 } // namespace
 

@@ -15,14 +15,6 @@ using namespace statetest;
 
 namespace
 {
-template <class PtrT>
-PtrT make(void)
-{
-    PtrT p = PtrT::StoredObjectType::create();
-    addRefCP(p);
-    return p;
-}
-
 GLint getInt(GLenum what)
 {
     GLint v = 0;

@@ -46,6 +46,15 @@ inline ::testing::AssertionResult near(const RGBA &got, const RGBA &want, int to
     return ::testing::AssertionSuccess();
 }
 
+/// A new container of type PtrT that holds one reference (the test's).
+template <class PtrT>
+PtrT make(void)
+{
+    PtrT p = PtrT::StoredObjectType::create();
+    addRefCP(p);
+    return p;
+}
+
 /// The window every rendering test of this program shares (64 x 64), or
 /// NullFC where EGL gives no desktop GL context.
 EGLWindowPtr sharedWindow(void);

@@ -7,20 +7,17 @@
 #include <OpenSG/OSGLog.h>
 
 #include <gtest/gtest.h>
+#include <support/TextSupport.h>
 
 #include <cstdio>
 #include <string>
 #include <vector>
 
 using namespace osg;
+using corvanetest::contains;
 
 namespace
 {
-
-bool contains(const std::string &text, const std::string &part)
-{
-    return text.find(part) != std::string::npos;
-}
 
 /// A volume adopted from voxels, the load's chatter swallowed.
 template <class T>

@@ -8,6 +8,7 @@
 #include <OpenSG/OSGReal16.h>
 
 #include <gtest/gtest.h>
+#include <support/TextSupport.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -17,14 +18,10 @@
 #include <string>
 
 using namespace osg;
+using corvanetest::contains;
 
 namespace
 {
-
-bool contains(const std::string &text, const std::string &part)
-{
-    return text.find(part) != std::string::npos;
-}
 
 std::string tempPath(const std::string &name)
 {

@@ -6,6 +6,7 @@
 #include <OpenSG/OSGTextureChunk.h>
 
 #include <gtest/gtest.h>
+#include <support/TextSupport.h>
 
 #include <cstdio>
 #include <cstring>
@@ -13,14 +14,10 @@
 #include <vector>
 
 using namespace osg;
+using corvanetest::contains;
 
 namespace
 {
-
-bool contains(const std::string &text, const std::string &part)
-{
-    return text.find(part) != std::string::npos;
-}
 
 /// A chunk with an image of the given format, edges and voxels.
 TextureChunkPtr makeChunk(UInt32 pixelFormat, Int32 w, Int32 h, Int32 d, Int32 type,
@@ -42,7 +39,7 @@ const T *voxelsOf(const VolumeData &volume)
     return reinterpret_cast<const T *>(volume.getVolumeImage()->getData());
 }
 
-std::string tempPath(const std::string &name)
+std::string volumeTempPath(const std::string &name)
 {
     return testing::TempDir() + "corvane_volume_" + name;
 }
@@ -352,7 +349,7 @@ std::string writeVolume(const std::string &name, Int32 w, Int32 h, Int32 d, Int3
                true, 1);
     if(thickness != NULL)
         image->setAttachmentField("SliceThickness", thickness);
-    std::string path = tempPath(name);
+    std::string path = volumeTempPath(name);
     bool        ok   = image->write(path.c_str());
     subRefCP(image);
     return ok ? path : std::string();
@@ -418,7 +415,7 @@ TEST_F(VolumeDataTest, LoadedColourImageBecomesLuminanceAndWarnsAboutThickness)
     ImagePtr           image = Image::create();
     addRefCP(image);
     image->set(GL_RGB, 4, 4, 1, 1, 1, 0.0, rgb.data(), GL_UNSIGNED_BYTE, true, 1);
-    std::string path = tempPath("rgb.png");
+    std::string path = volumeTempPath("rgb.png");
     ASSERT_TRUE(image->write(path.c_str()));
     subRefCP(image);
 
@@ -436,7 +433,7 @@ TEST_F(VolumeDataTest, MissingFileFailsAndKeepsTheChunk)
 {
     VolumeData volume;
     LogCapture log;
-    std::string path = tempPath("does-not-exist.dat");
+    std::string path = volumeTempPath("does-not-exist.dat");
     EXPECT_FALSE(volume.loadVolume(path, false));
     EXPECT_TRUE(contains(log.take(), "Couldn't load file " + path + "!\n"));
     EXPECT_NE(volume.getVolumeTextureChunk(), NullFC);

@@ -18,26 +18,26 @@ using namespace osg;
 namespace
 {
 
-struct RGBA
+struct Pixel
 {
     UInt8 r, g, b, a;
-    bool  operator==(const RGBA &o) const
+    bool  operator==(const Pixel &o) const
     {
         return r == o.r && g == o.g && b == o.b && a == o.a;
     }
 };
 
-std::ostream &operator<<(std::ostream &os, const RGBA &c)
+std::ostream &operator<<(std::ostream &os, const Pixel &c)
 {
     return os << int(c.r) << ',' << int(c.g) << ',' << int(c.b) << ','
               << int(c.a);
 }
 
-const RGBA Red   = {255, 0, 0, 255};
-const RGBA Green = {0, 255, 0, 255};
-const RGBA Grey  = {10, 20, 30, 40};
+const Pixel PixelRed   = {255, 0, 0, 255};
+const Pixel PixelGreen = {0, 255, 0, 255};
+const Pixel PixelGrey  = {10, 20, 30, 40};
 
-void clearTo(const RGBA &c)
+void clearTo(const Pixel &c)
 {
     glClearColor(c.r / 255.f, c.g / 255.f, c.b / 255.f, c.a / 255.f);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
@@ -54,7 +54,7 @@ void pixelOrtho(UInt32 w, UInt32 h)
     glLoadIdentity();
 }
 
-void quad(float x0, float y0, float x1, float y1, float z, const RGBA &c)
+void quad(float x0, float y0, float x1, float y1, float z, const Pixel &c)
 {
     glColor4ub(c.r, c.g, c.b, c.a);
     glBegin(GL_QUADS);
@@ -65,9 +65,9 @@ void quad(float x0, float y0, float x1, float y1, float z, const RGBA &c)
     glEnd();
 }
 
-std::vector<RGBA> readAll(HeadlessGLContext &ctx)
+std::vector<Pixel> readContextPixels(HeadlessGLContext &ctx)
 {
-    std::vector<RGBA> px(ctx.getWidth() * ctx.getHeight());
+    std::vector<Pixel> px(ctx.getWidth() * ctx.getHeight());
     EXPECT_TRUE(ctx.readPixels(0, 0, ctx.getWidth(), ctx.getHeight(), GL_RGBA,
                                GL_UNSIGNED_BYTE, px.data()));
     return px;
@@ -76,9 +76,9 @@ std::vector<RGBA> readAll(HeadlessGLContext &ctx)
 // Every pixel whose centre lies in [x0,x1) x [y0,y1) must be `in`, the rest
 // `out`.
 void expectRect(HeadlessGLContext &ctx, UInt32 x0, UInt32 y0, UInt32 x1,
-                UInt32 y1, const RGBA &in, const RGBA &out)
+                UInt32 y1, const Pixel &in, const Pixel &out)
 {
-    const std::vector<RGBA> px = readAll(ctx);
+    const std::vector<Pixel> px = readContextPixels(ctx);
     for(UInt32 y = 0; y < ctx.getHeight(); ++y)
         for(UInt32 x = 0; x < ctx.getWidth(); ++x)
         {
@@ -137,8 +137,8 @@ TEST_F(HeadlessGLContextTest, ComesUpWithACompatibilityContextAndItsFramebuffer)
 
 TEST_F(HeadlessGLContextTest, ClearReadsBackExactBytesTightlyPacked)
 {
-    clearTo(Grey);
-    expectRect(ctx, 0, 0, 0, 0, Red, Grey);
+    clearTo(PixelGrey);
+    expectRect(ctx, 0, 0, 0, 0, PixelRed, PixelGrey);
 
     // Three RGB pixels make 9-byte rows: padding to the default alignment of
     // 4 would shift every row after the first.
@@ -169,24 +169,24 @@ TEST_F(HeadlessGLContextTest, ClearReadsBackExactBytesTightlyPacked)
 
 TEST_F(HeadlessGLContextTest, FixedFunctionDrawingHitsExactPixels)
 {
-    clearTo(Grey);
-    quad(2, 3, 7, 5, 0, Red);
-    expectRect(ctx, 2, 3, 7, 5, Red, Grey); // rows counted from the bottom
+    clearTo(PixelGrey);
+    quad(2, 3, 7, 5, 0, PixelRed);
+    expectRect(ctx, 2, 3, 7, 5, PixelRed, PixelGrey); // rows counted from the bottom
 
     // Hypotenuse x + y = 12.5: no pixel centre lies on an edge, so the
     // covered set is exact without relying on the tie rules.
-    clearTo(Grey);
-    const RGBA Blue = {0, 0, 255, 255};
+    clearTo(PixelGrey);
+    const Pixel Blue = {0, 0, 255, 255};
     glColor4ub(Blue.r, Blue.g, Blue.b, Blue.a);
     glBegin(GL_TRIANGLES);
     glVertex2f(0, 4);
     glVertex2f(8.5f, 4);
     glVertex2f(0, 12.5f);
     glEnd();
-    const std::vector<RGBA> px = readAll(ctx);
+    const std::vector<Pixel> px = readContextPixels(ctx);
     for(UInt32 y = 0; y < 12; ++y)
         for(UInt32 x = 0; x < 16; ++x)
-            ASSERT_EQ(px[y * 16 + x], (y >= 4 && x + y <= 11) ? Blue : Grey)
+            ASSERT_EQ(px[y * 16 + x], (y >= 4 && x + y <= 11) ? Blue : PixelGrey)
                 << "at " << x << "," << y;
 }
 
@@ -194,29 +194,29 @@ TEST_F(HeadlessGLContextTest, DepthAndStencilBuffersWork)
 {
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LESS);
-    clearTo(Grey);
+    clearTo(PixelGrey);
     // glOrtho(-1, 1) maps eye z = 0.5 nearer than z = -0.5; the near quad
     // is drawn first so that only the depth test can keep it.
-    quad(2, 2, 10, 10, 0.5f, Red);
-    quad(6, 6, 14, 11, -0.5f, Green);
-    const std::vector<RGBA> px = readAll(ctx);
-    EXPECT_EQ(px[7 * 16 + 7], Red);    // overlap
-    EXPECT_EQ(px[10 * 16 + 12], Green); // green only
-    EXPECT_EQ(px[3 * 16 + 3], Red);
-    EXPECT_EQ(px[0], Grey);
+    quad(2, 2, 10, 10, 0.5f, PixelRed);
+    quad(6, 6, 14, 11, -0.5f, PixelGreen);
+    const std::vector<Pixel> px = readContextPixels(ctx);
+    EXPECT_EQ(px[7 * 16 + 7], PixelRed);    // overlap
+    EXPECT_EQ(px[10 * 16 + 12], PixelGreen); // green only
+    EXPECT_EQ(px[3 * 16 + 3], PixelRed);
+    EXPECT_EQ(px[0], PixelGrey);
     glDisable(GL_DEPTH_TEST);
 
     glEnable(GL_STENCIL_TEST);
-    clearTo(Grey);
+    clearTo(PixelGrey);
     glStencilFunc(GL_ALWAYS, 1, 0xFF);
     glStencilOp(GL_KEEP, GL_KEEP, GL_REPLACE);
     glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
-    quad(4, 1, 8, 9, 0, Red);
+    quad(4, 1, 8, 9, 0, PixelRed);
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     glStencilFunc(GL_EQUAL, 1, 0xFF);
-    quad(0, 0, 16, 12, 0, Green);
+    quad(0, 0, 16, 12, 0, PixelGreen);
     glDisable(GL_STENCIL_TEST);
-    expectRect(ctx, 4, 1, 8, 9, Green, Grey);
+    expectRect(ctx, 4, 1, 8, 9, PixelGreen, PixelGrey);
 }
 
 TEST_F(HeadlessGLContextTest, ResizeReallocatesTheFramebuffer)
@@ -225,19 +225,19 @@ TEST_F(HeadlessGLContextTest, ResizeReallocatesTheFramebuffer)
     EXPECT_EQ(ctx.getWidth(), 40u);
     EXPECT_EQ(ctx.getHeight(), 24u);
     pixelOrtho(40, 24);
-    clearTo(Grey);
-    quad(30, 20, 40, 24, 0, Red); // beyond the old size
-    expectRect(ctx, 30, 20, 40, 24, Red, Grey);
+    clearTo(PixelGrey);
+    quad(30, 20, 40, 24, 0, PixelRed); // beyond the old size
+    expectRect(ctx, 30, 20, 40, 24, PixelRed, PixelGrey);
 
     ASSERT_TRUE(ctx.resize(3, 2));
-    std::vector<RGBA> px(4);
+    std::vector<Pixel> px(4);
     EXPECT_FALSE(ctx.readPixels(3, 0, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE,
                                 px.data()));
 }
 
 TEST_F(HeadlessGLContextTest, TwoContextsKeepTheirOwnPixelsAcrossSwitches)
 {
-    clearTo(Red);
+    clearTo(PixelRed);
 
     {
         HeadlessGLContext other;
@@ -245,34 +245,34 @@ TEST_F(HeadlessGLContextTest, TwoContextsKeepTheirOwnPixelsAcrossSwitches)
         EXPECT_TRUE(other.isCurrent());
         EXPECT_FALSE(ctx.isCurrent());
         pixelOrtho(8, 8);
-        clearTo(Green);
+        clearTo(PixelGreen);
 
         ASSERT_TRUE(ctx.makeCurrent());
         EXPECT_FALSE(other.isCurrent());
-        expectRect(ctx, 0, 0, 0, 0, Grey, Red);
+        expectRect(ctx, 0, 0, 0, 0, PixelGrey, PixelRed);
         // Unbinding, as a render target does when it finishes, and binding
         // again as the window's activation does.
         auto bind = reinterpret_cast<PFNGLBINDFRAMEBUFFERPROC>(
             ctx.getProcAddress("glBindFramebuffer"));
         bind(GL_FRAMEBUFFER, 0);
         ASSERT_TRUE(ctx.bindFramebuffer());
-        clearTo(Grey);
+        clearTo(PixelGrey);
 
         ASSERT_TRUE(other.makeCurrent());
-        expectRect(other, 0, 0, 0, 0, Red, Green);
+        expectRect(other, 0, 0, 0, 0, PixelRed, PixelGreen);
         other.swap();
 
         ASSERT_TRUE(ctx.makeCurrent());
         // `other` dies while `ctx` is current; `ctx` must stay current.
     }
     EXPECT_TRUE(ctx.isCurrent());
-    expectRect(ctx, 0, 0, 0, 0, Red, Grey);
+    expectRect(ctx, 0, 0, 0, 0, PixelRed, PixelGrey);
 
     // Not current: GL work is refused instead of hitting the wrong context.
     ctx.release();
     EXPECT_FALSE(ctx.isCurrent());
     LogCapture        log;
-    std::vector<RGBA> px(1);
+    std::vector<Pixel> px(1);
     EXPECT_FALSE(ctx.readPixels(0, 0, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE,
                                 px.data()));
     EXPECT_FALSE(ctx.resize(4, 4));
@@ -287,15 +287,15 @@ TEST_F(HeadlessGLContextTest, ContextMovesToAnotherThread)
     std::thread worker([&] {
         ok = ctx.makeCurrent() && ctx.isCurrent();
         pixelOrtho(16, 12);
-        clearTo(Grey);
-        quad(0, 0, 1, 1, 0, Red);
+        clearTo(PixelGrey);
+        quad(0, 0, 1, 1, 0, PixelRed);
         ctx.swap();
         ctx.release();
     });
     worker.join();
     ASSERT_TRUE(ok);
     ASSERT_TRUE(ctx.makeCurrent());
-    expectRect(ctx, 0, 0, 1, 1, Red, Grey);
+    expectRect(ctx, 0, 0, 1, 1, PixelRed, PixelGrey);
 }
 
 TEST(HeadlessGLContextPlatform, EnvironmentForcesThePlatform)
@@ -316,8 +316,8 @@ TEST(HeadlessGLContextPlatform, EnvironmentForcesThePlatform)
             continue;
         }
         EXPECT_STREQ(ctx.getPlatformName(), name);
-        clearTo(Grey);
-        expectRect(ctx, 0, 0, 0, 0, Red, Grey);
+        clearTo(PixelGrey);
+        expectRect(ctx, 0, 0, 0, 0, PixelRed, PixelGrey);
     }
 }
 
@@ -336,13 +336,13 @@ TEST_F(HeadlessGLContextTest, BindingFramebufferZeroDrawsIntoTheBackBuffer)
     bind(GL_FRAMEBUFFER, fbo);
     bind(GL_FRAMEBUFFER, 0);
     del(1, &fbo);
-    clearTo(Green);
-    expectRect(ctx, 0, 0, 0, 0, Green, Green);
+    clearTo(PixelGreen);
+    expectRect(ctx, 0, 0, 0, 0, PixelGreen, PixelGreen);
 
     // and a resized back buffer keeps working the same way
     ASSERT_TRUE(ctx.resize(40, 30));
     glViewport(0, 0, 40, 30);
-    clearTo(Red);
+    clearTo(PixelRed);
     std::vector<UInt8> px(40 * 30 * 4);
     ASSERT_TRUE(ctx.readPixels(0, 0, 40, 30, GL_RGBA, GL_UNSIGNED_BYTE, px.data()));
     EXPECT_EQ(px[(29 * 40 + 39) * 4], 255);

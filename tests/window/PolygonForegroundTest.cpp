@@ -18,7 +18,7 @@ namespace
 
 
 // The port: pixels 8..55 x 4..43 of a 64 x 48 window, 48 x 40 pixels.
-const Int32 PortL = 8, PortB = 4, PortW = 48, PortH = 40;
+const Int32 PolyPortL = 8, PolyPortB = 4, PolyPortW = 48, PolyPortH = 40;
 
 class PolygonFixture : public FrameFixture
 {
@@ -29,8 +29,8 @@ class PolygonFixture : public FrameFixture
         if(win == NullFC)
             return;
 
-        vp = port(Real32(PortL), Real32(PortL + PortW - 1), Real32(PortB),
-                  Real32(PortB + PortH - 1), solid(Grey));
+        vp = port(Real32(PolyPortL), Real32(PolyPortL + PolyPortW - 1), Real32(PolyPortB),
+                  Real32(PolyPortB + PolyPortH - 1), solid(Grey));
 
         // 2 x 2 texels: red, green (bottom row), blue, yellow (top row).
         ImagePtr img = Image::create();
@@ -93,10 +93,10 @@ class PolygonFixture : public FrameFixture
         {
             for(Int32 x = 0; x < 64; ++x)
             {
-                const Int32 vx = x - PortL, vy = y - PortB;
+                const Int32 vx = x - PolyPortL, vy = y - PolyPortB;
 
                 // outside the port nothing was drawn this frame
-                if(vx < 0 || vx >= PortW || vy < 0 || vy >= PortH)
+                if(vx < 0 || vx >= PolyPortW || vy < 0 || vy >= PolyPortH)
                     continue;
 
                 RGBA expect = Grey;
@@ -124,7 +124,7 @@ TEST_F(PolygonFixture, PixelCoordinatesCoverExactlyTheirPixels)
 
     // -1 is the right/top edge itself, -11 ten pixels in from it.
     quad(4.f, 2.f, -1.f, -11.f, false, false);
-    expectQuad("polygon_pixels_negative", 4, PortW - 1, 2, PortH - 11);
+    expectQuad("polygon_pixels_negative", 4, PolyPortW - 1, 2, PolyPortH - 11);
 }
 
 TEST_F(PolygonFixture, NormalisedAndMixedCoordinates)
@@ -134,7 +134,7 @@ TEST_F(PolygonFixture, NormalisedAndMixedCoordinates)
 
     // x normalised, y in pixels counted back from the top.
     quad(0.5f, 6.f, 1.f, -5.f, true, false);
-    expectQuad("polygon_mixed", 24, PortW - 1, 6, PortH - 5);
+    expectQuad("polygon_mixed", 24, PolyPortW - 1, 6, PolyPortH - 5);
 }
 
 TEST_F(PolygonFixture, ScaleZoomsAroundTheCentre)
@@ -149,7 +149,7 @@ TEST_F(PolygonFixture, ScaleZoomsAroundTheCentre)
     beginEditCP(fg);
     fg->setScale(0.f);
     endEditCP(fg);
-    expectQuad("polygon_unscaled", 0, PortW - 1, 0, PortH - 1);
+    expectQuad("polygon_unscaled", 0, PolyPortW - 1, 0, PolyPortH - 1);
 }
 
 TEST_F(PolygonFixture, MismatchedListsDrawNothing)
@@ -166,7 +166,7 @@ TEST_F(PolygonFixture, MismatchedListsDrawNothing)
               std::string::npos);
 
     std::vector<RGBA> px = readAll(win);
-    EXPECT_EQ(px[(PortB + 20) * 64 + PortL + 20], Grey);
+    EXPECT_EQ(px[(PolyPortB + 20) * 64 + PolyPortL + 20], Grey);
     EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
 }
 
@@ -195,7 +195,7 @@ TEST_F(PolygonFixture, ImageForegroundPlacesImagesByPixelOrFraction)
     for(UInt32 i = 0; i < 2; ++i)
         for(Int32 y = 0; y < 2; ++y)
             for(Int32 x = 0; x < 4; ++x)
-                EXPECT_EQ(px[(PortB + at[i][1] + y) * 64 + PortL + at[i][0] + x], row[x])
+                EXPECT_EQ(px[(PolyPortB + at[i][1] + y) * 64 + PolyPortL + at[i][0] + x], row[x])
                     << "image " << i << " pixel " << x << "," << y;
-    EXPECT_EQ(px[(PortB + at[0][1]) * 64 + PortL + at[0][0] + 4], Grey);
+    EXPECT_EQ(px[(PolyPortB + at[0][1]) * 64 + PolyPortL + at[0][0] + 4], Grey);
 }
