@@ -134,12 +134,3 @@ void BM_MemcpyChangeListBytes(benchmark::State &state)
 BENCHMARK(BM_MemcpyChangeListBytes)->Arg(4096);
 
 } // namespace
-
-int main(int argc, char **argv)
-{
-    benchmark::Initialize(&argc, argv);
-    osgInit(argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    osgExit();
-    return 0;
-}

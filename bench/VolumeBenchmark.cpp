@@ -269,14 +269,3 @@ void BM_Memcpy_8BitTable(benchmark::State &state)
 BENCHMARK(BM_Memcpy_8BitTable)->Unit(benchmark::kMicrosecond);
 
 } // namespace
-
-int main(int argc, char **argv)
-{
-    benchmark::Initialize(&argc, argv);
-    osgInit(argc, argv);
-    // the classes log each load; only the figures matter here
-    osgLog().setLogType(LOG_NONE, true);
-    benchmark::RunSpecifiedBenchmarks();
-    osgExit();
-    return 0;
-}

@@ -144,12 +144,8 @@ class FilterFrame : public wintest::FrameFixture
         ImagePtr img = Image::create();
         img->set(GL_RGB, w, h, 1, 1, 1, 0.0, texels.data());
 
-        TextureChunkPtr tex = TextureChunk::create();
+        TextureChunkPtr tex = nearestTexture(img);
         beginEditCP(tex);
-        tex->setImage(img);
-        tex->setMinFilter(GL_NEAREST);
-        tex->setMagFilter(GL_NEAREST);
-        tex->setEnvMode(GL_REPLACE);
         tex->setScale(false);
         endEditCP(tex);
 

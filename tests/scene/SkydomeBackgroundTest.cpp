@@ -48,13 +48,7 @@ TextureChunkPtr bandTexture(void)
     ImagePtr img = Image::create();
     img->set(GL_RGB, 8, 8, 1, 1, 1, 0.0, texels.data());
 
-    TextureChunkPtr tex = TextureChunk::create();
-    beginEditCP(tex);
-    tex->setImage(img);
-    tex->setMinFilter(GL_NEAREST);
-    tex->setMagFilter(GL_NEAREST);
-    tex->setEnvMode(GL_REPLACE);
-    endEditCP(tex);
+    TextureChunkPtr tex = nearestTexture(img);
     return tex;
 }
 

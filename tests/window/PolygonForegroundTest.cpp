@@ -37,13 +37,7 @@ class PolygonFixture : public FrameFixture
         const UInt8 texels[12] = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 0};
         img->set(GL_RGB, 2, 2, 1, 1, 1, 0.0, texels);
 
-        TextureChunkPtr tex = TextureChunk::create();
-        beginEditCP(tex);
-        tex->setImage(img);
-        tex->setMinFilter(GL_NEAREST);
-        tex->setMagFilter(GL_NEAREST);
-        tex->setEnvMode(GL_REPLACE);
-        endEditCP(tex);
+        TextureChunkPtr tex = nearestTexture(img);
 
         material = ChunkMaterial::create();
         keep(material);

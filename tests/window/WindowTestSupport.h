@@ -6,6 +6,8 @@
 #include <OpenSG/OSGEGLWindow.h>
 #include <OpenSG/OSGGL.h>
 #include <OpenSG/OSGHeadlessGLContext.h>
+#include <OpenSG/OSGImage.h>
+#include <OpenSG/OSGTextureChunk.h>
 #include <OpenSG/OSGGroup.h>
 #include <OpenSG/OSGLog.h>
 #include <OpenSG/OSGPNGCodec.h>
@@ -50,6 +52,20 @@ const RGBA Red    = {255, 0, 0, 255};
 const RGBA Green  = {0, 255, 0, 255};
 const RGBA Blue   = {0, 0, 255, 255};
 const RGBA Yellow = {255, 255, 0, 255};
+
+/// A texture chunk that shows img's texels exactly as they are: nearest
+/// filtering, replacing the fragment colour.
+inline TextureChunkPtr nearestTexture(const ImagePtr &img)
+{
+    TextureChunkPtr tex = TextureChunk::create();
+    beginEditCP(tex);
+    tex->setImage(img);
+    tex->setMinFilter(GL_NEAREST);
+    tex->setMagFilter(GL_NEAREST);
+    tex->setEnvMode(GL_REPLACE);
+    endEditCP(tex);
+    return tex;
+}
 
 /// An initialised EGL window of w x h, or NullFC when EGL gives no context
 /// (the caller skips). The caller releases it with subRefCP.
