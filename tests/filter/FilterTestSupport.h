@@ -144,7 +144,7 @@ class FilterFrame : public wintest::FrameFixture
         ImagePtr img = Image::create();
         img->set(GL_RGB, w, h, 1, 1, 1, 0.0, texels.data());
 
-        TextureChunkPtr tex = nearestTexture(img);
+        TextureChunkPtr tex = wintest::nearestTexture(img);
         beginEditCP(tex);
         tex->setScale(false);
         endEditCP(tex);
