@@ -11,8 +11,10 @@ scripts/build.sh build
 (cd build && ctest --output-on-failure -j "$(nproc)")
 
 if [ "${CORVANE_SKIP_SANITIZE:-0}" != "1" ]; then
+  # file by file here (no unity batches), so that a source which only
+  # compiles thanks to its neighbours in a batch is caught
   CC=clang CXX=clang++ scripts/build.sh build-asan \
-    -DCORVANE_SANITIZE=ON -DCORVANE_FUZZ=ON -DCORVANE_BENCH=OFF
+    -DCORVANE_SANITIZE=ON -DCORVANE_FUZZ=ON -DCORVANE_BENCH=OFF -DCORVANE_UNITY=OFF
   # Mesa's LLVM JIT frees some of its own operator-new memory with free();
   # that mismatch is inside libLLVM, not ours, so only it is switched off
   export ASAN_OPTIONS=detect_leaks=1:alloc_dealloc_mismatch=0
