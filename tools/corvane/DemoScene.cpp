@@ -225,9 +225,10 @@ BackgroundPtr makeSolid(Holder &h, const Color3f &c)
     return background;
 }
 
-/// A camera on its own beacon under root, at `from` looking at `at`.
+/// A camera on its own beacon under root, at `from` looking at `at`, with a
+/// vertical field of view of fovDeg degrees.
 PerspectiveCameraPtr makeCamera(Holder &h, const NodePtr &root, const Pnt3f &from,
-                                const Pnt3f &at)
+                                const Pnt3f &at, Real32 fovDeg = 45.f)
 {
     TransformPtr xform = Transform::create();
     Matrix       m;
@@ -247,7 +248,7 @@ PerspectiveCameraPtr makeCamera(Holder &h, const NodePtr &root, const Pnt3f &fro
     PerspectiveCameraPtr camera = h.keep(PerspectiveCamera::create());
     beginEditCP(camera);
     camera->setBeacon(beacon);
-    camera->setFov(osgdegree2rad(45.f));
+    camera->setFov(osgdegree2rad(fovDeg));
     camera->setNear(0.5f);
     camera->setFar(50.f);
     endEditCP(camera);
@@ -409,13 +410,14 @@ bool renderDemoScene(const std::string &name, const char *fileName, UInt32 width
 
     if(name == "hmd")
     {
-        // one port per eye, each warped for its lens
+        // one port per eye, each warped for its lens; the lens magnifies
+        // the centre, so each eye sees a wide field
         BackgroundPtr sky = makeSkydome(h);
         for(int eye = 0; eye < 2; ++eye)
         {
             Real32      dx     = eye == 0 ? -0.3f : 0.3f;
             CameraPtr   camera = makeCamera(h, root, Pnt3f(dx, 2.2f, 7.f),
-                                            Pnt3f(dx, 1.f, 0.f));
+                                            Pnt3f(dx, 1.f, 0.f), 100.f);
             ViewportPtr port   = addPort(h, win, camera, root, sky, eye * 0.5f,
                                          eye * 0.5f + 0.5f);
             addFilter(h, port, makeLens(h, eye == 0));
