@@ -28,7 +28,6 @@ using namespace wintest;
 namespace
 {
 
-
 /// The background colour of frame i: every frame differs from its
 /// neighbours, so a lag shows as a colour.
 RGBA frameColour(UInt32 i)
@@ -61,15 +60,6 @@ class GrabsFixture : public FrameFixture
         EXPECT_EQ(packBuffer, 0);
     }
 
-    ImagePtr image(UInt32 w, UInt32 h, UInt8 fill)
-    {
-        ImagePtr img = Image::create();
-        keep(img);
-        img->set(GL_RGBA, w, h);
-        std::fill(img->editData(), img->editData() + img->getSize(), fill);
-        return img;
-    }
-
     PBOGrabForegroundPtr pboGrab(const ViewportPtr &vp, const ImagePtr &img, Int32 numPBOs,
                                  bool autoResize)
     {
@@ -91,12 +81,6 @@ class GrabsFixture : public FrameFixture
         beginEditCP(solidBg);
         solidBg->setColor(Color3f(c.r / 255.f, c.g / 255.f, c.b / 255.f));
         endEditCP(solidBg);
-    }
-
-    static RGBA at(const ImagePtr &img, UInt32 x, UInt32 y)
-    {
-        const UInt8 *p = img->getData() + (y * img->getWidth() + x) * 4;
-        return RGBA{p[0], p[1], p[2], p[3]};
     }
 
     /// Number of pixels of the image that differ from expect(x, y); the

@@ -29,7 +29,6 @@ using namespace wintest;
 namespace
 {
 
-
 class GrabFixture : public FrameFixture
 {
   protected:
@@ -45,27 +44,12 @@ class GrabFixture : public FrameFixture
         return fg;
     }
 
-    ImagePtr image(UInt32 w, UInt32 h, UInt8 fill)
-    {
-        ImagePtr img = Image::create();
-        keep(img);
-        img->set(GL_RGBA, w, h);
-        std::fill(img->editData(), img->editData() + img->getSize(), fill);
-        return img;
-    }
-
     void frame(void)
     {
         FrameFixture::frame();
         GLint rowLength = -1;
         glGetIntegerv(GL_PACK_ROW_LENGTH, &rowLength);
         EXPECT_EQ(rowLength, 0);
-    }
-
-    static RGBA at(const ImagePtr &img, UInt32 x, UInt32 y)
-    {
-        const UInt8 *p = img->getData() + (y * img->getWidth() + x) * 4;
-        return RGBA{p[0], p[1], p[2], p[3]};
     }
 };
 

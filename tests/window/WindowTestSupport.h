@@ -19,6 +19,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -201,6 +202,23 @@ class FrameFixture : public ::testing::Test
         bg->setColor(Color3f(c.r / 255.f, c.g / 255.f, c.b / 255.f));
         endEditCP(bg);
         return bg;
+    }
+
+    /// An RGBA image of w x h with every byte set to fill, kept by the test.
+    ImagePtr image(UInt32 w, UInt32 h, UInt8 fill)
+    {
+        ImagePtr img = Image::create();
+        keep(img);
+        img->set(GL_RGBA, w, h);
+        std::fill(img->editData(), img->editData() + img->getSize(), fill);
+        return img;
+    }
+
+    /// Pixel (x, y) of an RGBA image, bottom row first.
+    static RGBA at(const ImagePtr &img, UInt32 x, UInt32 y)
+    {
+        const UInt8 *p = img->getData() + (y * img->getWidth() + x) * 4;
+        return RGBA{p[0], p[1], p[2], p[3]};
     }
 
     /// Renders one frame and returns what it logged at warning level and
