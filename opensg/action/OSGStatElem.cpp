@@ -96,6 +96,33 @@ std::string formatValue(const Char8 *format, const Char8 *fallback, Real64 value
     return buf;
 }
 
+/// Reads an integer at inVal into value and moves inVal past it; false,
+/// with both untouched, when no number starts there.
+template <class T>
+bool parseInt(const Char8 *&inVal, T &value)
+{
+    char *end = NULL;
+    long  v   = std::strtol(inVal, &end, 10);
+    if(end == inVal)
+        return false;
+    value = T(v);
+    inVal = end;
+    return true;
+}
+
+/// The same for a floating-point number.
+template <class T>
+bool parseReal(const Char8 *&inVal, T &value)
+{
+    char  *end = NULL;
+    double v   = std::strtod(inVal, &end);
+    if(end == inVal)
+        return false;
+    value = T(v);
+    inVal = end;
+    return true;
+}
+
 } // namespace
 
 // StatIntElem
@@ -111,13 +138,7 @@ void StatIntElem::putToString(std::string &str, const Char8 *format) const
 
 bool StatIntElem::getFromString(const Char8 *&inVal)
 {
-    char *end = NULL;
-    long  v   = std::strtol(inVal, &end, 10);
-    if(end == inVal)
-        return false;
-    _value = Int32(v);
-    inVal  = end;
-    return true;
+    return parseInt(inVal, _value);
 }
 
 StatElem *StatIntElem::clone(void) const
@@ -158,13 +179,7 @@ void StatIntOnceElem::putToString(std::string &str, const Char8 *format) const
 
 bool StatIntOnceElem::getFromString(const Char8 *&inVal)
 {
-    char *end = NULL;
-    long  v   = std::strtol(inVal, &end, 10);
-    if(end == inVal)
-        return false;
-    _value = Int32(v);
-    inVal  = end;
-    return true;
+    return parseInt(inVal, _value);
 }
 
 StatElem *StatIntOnceElem::clone(void) const
@@ -209,13 +224,7 @@ void StatTimeElem::putToString(std::string &str, const Char8 *format) const
 
 bool StatTimeElem::getFromString(const Char8 *&inVal)
 {
-    char  *end = NULL;
-    double v   = std::strtod(inVal, &end);
-    if(end == inVal)
-        return false;
-    _time = v;
-    inVal = end;
-    return true;
+    return parseReal(inVal, _time);
 }
 
 StatElem *StatTimeElem::clone(void) const
@@ -244,13 +253,7 @@ void StatRealElem::putToString(std::string &str, const Char8 *format) const
 
 bool StatRealElem::getFromString(const Char8 *&inVal)
 {
-    char  *end = NULL;
-    double v   = std::strtod(inVal, &end);
-    if(end == inVal)
-        return false;
-    _value = Real32(v);
-    inVal  = end;
-    return true;
+    return parseReal(inVal, _value);
 }
 
 StatElem *StatRealElem::clone(void) const

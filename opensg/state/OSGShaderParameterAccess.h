@@ -56,6 +56,11 @@ class ShaderParameterAccess
 
     /// The index of name, -1 if missing.
     Int32 lookup(const char *name);
+
+    /// The parameter name for reading, NullFC (with the getter's log line)
+    /// when it is missing or of another class.
+    template <class ParameterType>
+    typename ParameterType::Ptr findForGet(const char *name);
     /// Appends a new parameter under name.
     void append(const char *name, const ShaderParameterPtr &parameter);
 
@@ -135,28 +140,34 @@ bool ShaderParameterAccess::setMParameter(const char *name, const ValueType &val
     return true;
 }
 
-template <class ParameterType, class ValueType>
-bool ShaderParameterAccess::getParameter(const char *name, ValueType &value)
+template <class ParameterType>
+typename ParameterType::Ptr ShaderParameterAccess::findForGet(const char *name)
 {
     typedef typename ParameterType::Ptr ParamPtr;
 
     if(name == NULL)
-        return false;
+        return ParamPtr();
 
     Int32 index = lookup(name);
     if(index < 0)
     {
         FINFO(("ShaderParameterAccess::getParameter : Parameter '%s' doesn't exist!\n", name));
-        return false;
+        return ParamPtr();
     }
 
     ParamPtr p = ParamPtr::dcast(_parameters[index]);
     if(p == NullFC)
-    {
         FWARNING(("ShaderParameterAccess::getParameter : Parameter '%s' has wrong type!\n",
                   name));
+    return p;
+}
+
+template <class ParameterType, class ValueType>
+bool ShaderParameterAccess::getParameter(const char *name, ValueType &value)
+{
+    typename ParameterType::Ptr p = findForGet<ParameterType>(name);
+    if(p == NullFC)
         return false;
-    }
     value = p->getValue();
     return true;
 }
@@ -164,25 +175,9 @@ bool ShaderParameterAccess::getParameter(const char *name, ValueType &value)
 template <class ParameterType, class ValueType>
 bool ShaderParameterAccess::getMParameter(const char *name, ValueType &value)
 {
-    typedef typename ParameterType::Ptr ParamPtr;
-
-    if(name == NULL)
-        return false;
-
-    Int32 index = lookup(name);
-    if(index < 0)
-    {
-        FINFO(("ShaderParameterAccess::getParameter : Parameter '%s' doesn't exist!\n", name));
-        return false;
-    }
-
-    ParamPtr p = ParamPtr::dcast(_parameters[index]);
+    typename ParameterType::Ptr p = findForGet<ParameterType>(name);
     if(p == NullFC)
-    {
-        FWARNING(("ShaderParameterAccess::getParameter : Parameter '%s' has wrong type!\n",
-                  name));
         return false;
-    }
     value.setValues(*p->getMFValue());
     return true;
 }

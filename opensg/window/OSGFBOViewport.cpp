@@ -277,6 +277,19 @@ bool FBOViewport::initialize(Window *win, Int32 format)
     glDrawBuffer(GL_NONE);
     glReadBuffer(GL_NONE);
 
+    // a renderbuffer of the storage size for one attachment; 0 for none
+    auto renderbuffer = [&](GLenum bufferFormat, GLenum attachment) -> GLuint {
+        if(bufferFormat == GL_NONE)
+            return 0;
+        GLuint rb = 0;
+        genRenderbuffers(1, &rb);
+        bindRenderbuffer(GL_RENDERBUFFER_EXT, rb);
+        renderbufferStorage(GL_RENDERBUFFER_EXT, bufferFormat, getStorageWidth(),
+                            getStorageHeight());
+        framebufferRenderbuffer(GL_FRAMEBUFFER_EXT, attachment, GL_RENDERBUFFER_EXT, rb);
+        return rb;
+    };
+
     GLenum depthFormat = GL_NONE;
 
     if(format & FBO_DEPTH_16)
@@ -286,19 +299,7 @@ bool FBOViewport::initialize(Window *win, Int32 format)
     else if(format & FBO_DEPTH_32)
         depthFormat = GL_DEPTH_COMPONENT32;
 
-    setDepthBufferIndex(0);
-
-    if(depthFormat != GL_NONE)
-    {
-        GLuint rb = 0;
-        genRenderbuffers(1, &rb);
-        bindRenderbuffer(GL_RENDERBUFFER_EXT, rb);
-        setDepthBufferIndex(rb);
-        renderbufferStorage(GL_RENDERBUFFER_EXT, depthFormat, getStorageWidth(),
-                            getStorageHeight());
-        framebufferRenderbuffer(GL_FRAMEBUFFER_EXT, GL_DEPTH_ATTACHMENT_EXT,
-                                GL_RENDERBUFFER_EXT, rb);
-    }
+    setDepthBufferIndex(renderbuffer(depthFormat, GL_DEPTH_ATTACHMENT_EXT));
 
     GLenum stencilFormat = GL_NONE;
 
@@ -311,19 +312,7 @@ bool FBOViewport::initialize(Window *win, Int32 format)
     else if(format & FBO_STENCIL_16)
         stencilFormat = GL_STENCIL_INDEX16_EXT;
 
-    setStencilBufferIndex(0);
-
-    if(stencilFormat != GL_NONE)
-    {
-        GLuint rb = 0;
-        genRenderbuffers(1, &rb);
-        bindRenderbuffer(GL_RENDERBUFFER_EXT, rb);
-        setStencilBufferIndex(rb);
-        renderbufferStorage(GL_RENDERBUFFER_EXT, stencilFormat, getStorageWidth(),
-                            getStorageHeight());
-        framebufferRenderbuffer(GL_FRAMEBUFFER_EXT, GL_STENCIL_ATTACHMENT_EXT,
-                                GL_RENDERBUFFER_EXT, rb);
-    }
+    setStencilBufferIndex(renderbuffer(stencilFormat, GL_STENCIL_ATTACHMENT_EXT));
 
     endEditCP(self);
 
