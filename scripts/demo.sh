@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# The main job: installs what is missing, builds, and renders the demo scenes
-# headless to PNG files in build/demo/.
+# The main job: installs what is missing, builds, and renders every demo
+# scene headless: full size into build/demo/, and small pictures for the
+# README into docs/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -8,10 +9,11 @@ scripts/deps.sh
 scripts/build.sh build -DCORVANE_BENCH=OFF
 
 cmake --build build --target sample_volumes
-mkdir -p build/demo
-for scene in shaded sky calibrated hmd; do
+mkdir -p build/demo docs
+for scene in $(build/bin/corvane scenes | cut -d' ' -f1); do
   echo "== $scene scene"
   build/bin/corvane scene "$scene" "build/demo/$scene.png" 800 600
+  build/bin/corvane scene "$scene" "docs/$scene.png" 320 240
 done
 echo "== the same, DXT1-compressed to DDS"
 build/bin/corvane dxt build/demo/shaded.png build/demo/shaded.dds dxt1

@@ -1,4 +1,5 @@
-/// The demo scenes the main program renders headless to PNG files.
+/// The demo scenes the main program renders headless to PNG files. Each
+/// subsystem adds its scenes in a file of scenes/ with a DemoSceneRegistration.
 #ifndef _CORVANE_DEMOSCENE_H_
 #define _CORVANE_DEMOSCENE_H_
 
@@ -10,18 +11,21 @@
 namespace corvane
 {
 
-/// Renders a lit, textured and shaded scene (a textured sphere, a torus with
-/// a GLSL shader, a checkered floor) into an off-screen window and writes it
-/// to fileName as PNG. False, with a log line, when there is no GL context
-/// or the file can't be written.
-bool renderShadedScene(const char *fileName, osg::UInt32 width, osg::UInt32 height);
+/// Renders one scene headless into fileName as PNG; false, with a log line,
+/// when there is no GL context or the file can't be written.
+typedef bool (*DemoSceneFunction)(const char *fileName, osg::UInt32 width, osg::UInt32 height);
 
-/// The demo scenes by name: "shaded" (the scene above), "sky" (the same
-/// objects under a sky dome, seen from low down), "calibrated" (the shaded
-/// scene through a colour-calibration display filter that lifts dim corners
-/// and warms the panel) and "hmd" (a stereo pair under the sky dome, each
-/// eye warped for its lens with chromatic correction).
-const std::vector<std::string> &demoSceneNames(void);
+/// Registers a scene by name at static-initialisation time.
+struct DemoSceneRegistration
+{
+    DemoSceneRegistration(const char *name, const char *summary, DemoSceneFunction render);
+};
+
+/// The names of all registered scenes, sorted.
+std::vector<std::string> demoSceneNames(void);
+
+/// The one-line summary of a scene; empty for an unknown name.
+std::string demoSceneSummary(const std::string &name);
 
 /// Renders the named scene headless and writes it to fileName as PNG
 /// through a screen-dump foreground. False, with a log line, for an unknown

@@ -4,7 +4,8 @@
 //   corvane fields TYPE...                creates each type by name and prints its fields
 //   corvane dxt IN.png OUT.dds [dxt1|dxt5] compresses an image to a DDS file
 //   corvane render OUT.png [W H]          renders the shaded demo scene headless to PNG
-//   corvane scene NAME OUT.png [W H]      renders one demo scene (shaded, sky, calibrated, hmd)
+//   corvane scene NAME OUT.png [W H]      renders one demo scene
+//   corvane scenes                        lists the demo scenes
 #include <OpenSG/OSGBaseInitFunctions.h>
 #include <OpenSG/OSGFieldContainer.h>
 #include <OpenSG/OSGFieldContainerFactory.h>
@@ -36,8 +37,16 @@ int usage(void)
             "       corvane fields TYPE...\n"
             "       corvane dxt IN.png OUT.dds [dxt1|dxt5]\n"
             "       corvane render OUT.png [WIDTH HEIGHT]\n"
-            "       corvane scene shaded|sky|calibrated|hmd OUT.png [WIDTH HEIGHT]\n");
+            "       corvane scene NAME OUT.png [WIDTH HEIGHT]\n"
+            "       corvane scenes\n");
     return 2;
+}
+
+int listScenes(void)
+{
+    for(const std::string &name : corvane::demoSceneNames())
+        printf("%-12s %s\n", name.c_str(), corvane::demoSceneSummary(name).c_str());
+    return 0;
 }
 
 int listTypes(void)
@@ -180,6 +189,8 @@ int main(int argc, char **argv)
         result = compressToDDS(argc - 2, argv + 2);
     else if(strcmp(argv[1], "render") == 0 && (argc == 3 || argc == 5))
         result = renderScene("shaded", argv + 2, argc - 2);
+    else if(strcmp(argv[1], "scenes") == 0 && argc == 2)
+        result = listScenes();
     else if(strcmp(argv[1], "scene") == 0 && (argc == 4 || argc == 6))
         result = renderScene(argv[2], argv + 3, argc - 3);
     else
