@@ -14,6 +14,7 @@ class BasicVolumeShadingStyle : public BasicVolumeShadingStyleBase
   public:
     virtual void changed(BitVector whichField, UInt32 origin);
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
+    virtual void paramShading(VolumeNodeHandler *handler);
 
   protected:
     BasicVolumeShadingStyle(void);

@@ -3,11 +3,13 @@
 
 OSG_BEGIN_NAMESPACE
 
-VolumeShadingStyle::VolumeShadingStyle(void) : Inherited()
+VolumeShadingStyle::VolumeShadingStyle(void)
+    : Inherited(), _shadingFunction(NULL), _changedFields(0)
 {
 }
 
-VolumeShadingStyle::VolumeShadingStyle(const VolumeShadingStyle &source) : Inherited(source)
+VolumeShadingStyle::VolumeShadingStyle(const VolumeShadingStyle &source)
+    : Inherited(source), _shadingFunction(NULL), _changedFields(0)
 {
 }
 
@@ -21,7 +23,22 @@ void VolumeShadingStyle::initMethod(void)
 
 void VolumeShadingStyle::changed(BitVector whichField, UInt32 origin)
 {
+    _changedFields |= whichField;
     Inherited::changed(whichField, origin);
+}
+
+void VolumeShadingStyle::setShadingFunction(ShadingFunctions *shadingFunction)
+{
+    _shadingFunction = shadingFunction;
+}
+
+ShadingFunctions *VolumeShadingStyle::getShadingFunction(void)
+{
+    return _shadingFunction;
+}
+
+void VolumeShadingStyle::paramShading(VolumeNodeHandler *)
+{
 }
 
 void VolumeShadingStyle::dump(UInt32, const BitVector) const

@@ -4,6 +4,9 @@
 
 #include <OpenSG/OSGVolumeShadingStyleBase.h>
 
+class ShadingFunctions;
+class VolumeNodeHandler;
+
 OSG_BEGIN_NAMESPACE
 
 class VolumeShadingStyle : public VolumeShadingStyleBase
@@ -14,6 +17,17 @@ class VolumeShadingStyle : public VolumeShadingStyleBase
   public:
     virtual void changed(BitVector whichField, UInt32 origin);
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
+
+    /// The strategy the style made last; not owned (the handler owns it),
+    /// and it may be gone once the handler has replaced it.
+    virtual void              setShadingFunction(ShadingFunctions *shadingFunction);
+    virtual ShadingFunctions *getShadingFunction(void);
+    /// Turns the fields into the handler's shading strategy and uniforms;
+    /// nothing in this base class.
+    virtual void paramShading(VolumeNodeHandler *handler);
+
+    /// The masks of all edits since the last paramShading.
+    BitVector hasChanged(void) const { return _changedFields; }
 
   protected:
     VolumeShadingStyle(void);
@@ -27,6 +41,10 @@ class VolumeShadingStyle : public VolumeShadingStyleBase
     static void initMethod(void);
 
     void operator=(const VolumeShadingStyle &source);
+
+  protected:
+    ShadingFunctions *_shadingFunction;
+    BitVector         _changedFields;
 };
 
 typedef VolumeShadingStyle *VolumeShadingStyleP;

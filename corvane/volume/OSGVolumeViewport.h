@@ -1,10 +1,18 @@
-/// A viewport that renders the ray-casting inputs of its volume nodes into textures.
+/// A viewport that draws nothing to the screen: standing ahead of the
+/// ordinary viewport, it renders the scene's colour and depth and the ray
+/// start and direction images of its volume nodes into textures, which the
+/// ray-caster quad in the scene then reads.
 #ifndef _OSGVOLUMEVIEWPORT_H_
 #define _OSGVOLUMEVIEWPORT_H_
 
 #include <OpenSG/OSGVolumeViewportBase.h>
+#include <OpenSG/OSGFBOViewport.h>
+#include <OpenSG/OSGPolygonForeground.h>
+#include <OpenSG/OSGTextureChunk.h>
 
 OSG_BEGIN_NAMESPACE
+
+class RenderAction;
 
 class VolumeViewport : public VolumeViewportBase
 {
@@ -14,6 +22,20 @@ class VolumeViewport : public VolumeViewportBase
   public:
     virtual void changed(BitVector whichField, UInt32 origin);
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
+
+    virtual void render(RenderActionBase *action);
+
+    /// Builds the handlers, textures and render targets; true when every
+    /// volume node could be served. Does the work only on the first call
+    /// and after a change of volume nodes, camera, background or root.
+    bool initialize(void);
+    /// The four debugging tiles that show the internal textures.
+    void initPolygonForegrounds(void);
+    /// Re-sizes the textures and targets to width x height.
+    void resize(int width, int height);
+    /// One frame: keeps the volumes in step, then the scene, start and
+    /// back passes.
+    void renderVolumes(RenderActionBase *action);
 
   protected:
     VolumeViewport(void);
@@ -27,6 +49,29 @@ class VolumeViewport : public VolumeViewportBase
     static void initMethod(void);
 
     void operator=(const VolumeViewport &source);
+
+    /// The scene pass, or a position pass with its own action.
+    void renderTarget(const FBOViewportPtr &target, RenderActionBase *action);
+
+    RenderAction *_frontAction;
+    RenderAction *_backAction;
+
+    FBOViewportPtr _frontFBO;
+    FBOViewportPtr _backFBO;
+    FBOViewportPtr _sceneFBO;
+
+    TextureChunkPtr _frontTexture;
+    TextureChunkPtr _backTexture;
+    TextureChunkPtr _sceneColorTexture;
+    TextureChunkPtr _sceneDepthTexture;
+
+    PolygonForegroundPtr _frontForeground;
+    PolygonForegroundPtr _backForeground;
+    PolygonForegroundPtr _sceneColorForeground;
+    PolygonForegroundPtr _sceneDepthForeground;
+
+    BitVector _changes;
+    bool      _initialized;
 };
 
 typedef VolumeViewport *VolumeViewportP;

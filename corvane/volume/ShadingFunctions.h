@@ -1,0 +1,105 @@
+/// The shading strategy of the ray caster: what one sample does to the
+/// colour of its ray (doShading).
+#ifndef _SHADINGFUNCTIONS_H_
+#define _SHADINGFUNCTIONS_H_
+
+#include <OpenSG/OSGChunkMaterial.h>
+#include <OpenSG/OSGSHLChunk.h>
+#include <OpenSG/OSGVector.h>
+
+#include <string>
+
+class VolumeData;
+
+class ShadingFunctions
+{
+  public:
+    virtual ~ShadingFunctions(void) {}
+
+    /// The text of doShading (and what it alone calls).
+    virtual std::string getFragmentShaderString(void) = 0;
+
+    /// Binds the uniforms of the text; nothing without material or shader.
+    virtual void setMaterialParameter(osg::ChunkMaterialPtr &material,
+                                      osg::SHLChunkPtr      &shader,
+                                      int                   &textureUnit,
+                                      VolumeData            *volumeData) = 0;
+
+    virtual void init(VolumeData *volumeData);
+};
+
+/// Maximum intensity projection: white, with the largest value as opacity.
+class MIPShading : public ShadingFunctions
+{
+  public:
+    std::string getFragmentShaderString(void) override;
+    void        setMaterialParameter(osg::ChunkMaterialPtr &material,
+                                     osg::SHLChunkPtr      &shader,
+                                     int                   &textureUnit,
+                                     VolumeData            *volumeData) override;
+};
+
+/// Sums the values along the ray, as an X-ray film would.
+class XRayShading : public ShadingFunctions
+{
+  public:
+    std::string getFragmentShaderString(void) override;
+    void        setMaterialParameter(osg::ChunkMaterialPtr &material,
+                                     osg::SHLChunkPtr      &shader,
+                                     int                   &textureUnit,
+                                     VolumeData            *volumeData) override;
+};
+
+/// Direct volume rendering: classification through the transfer function,
+/// front-to-back compositing, early termination at an opacity of 0.98.
+/// With _gradientOpacity the opacity of a sample is scaled by
+/// kgc + kgs * |gradient|^kge, which brings out boundaries; the choice is
+/// made when the text is built.
+class DVRShadingBase : public ShadingFunctions
+{
+  public:
+    DVRShadingBase(void);
+
+    /// Sets kgc, kgs and kge.
+    void setMaterialParameter(osg::ChunkMaterialPtr &material,
+                              osg::SHLChunkPtr      &shader,
+                              int                   &textureUnit,
+                              VolumeData            *volumeData) override;
+
+    bool  _gradientOpacity;
+    float kgc;
+    float kgs;
+    float kge;
+
+  protected:
+    /// The four lines that scale opacity by the gradient's magnitude, or
+    /// nothing without _gradientOpacity.
+    std::string gradientOpacityText(void) const;
+};
+
+class DVRShading : public DVRShadingBase
+{
+  public:
+    std::string getFragmentShaderString(void) override;
+};
+
+/// DVR with a Blinn-Phong term of the first OpenGL light per sample.
+class DVRShadingAndLighting : public DVRShadingBase
+{
+  public:
+    DVRShadingAndLighting(void);
+
+    std::string getFragmentShaderString(void) override;
+    /// The DVR uniforms and the colours; the exponent uniform is always 25.
+    void setMaterialParameter(osg::ChunkMaterialPtr &material,
+                              osg::SHLChunkPtr      &shader,
+                              int                   &textureUnit,
+                              VolumeData            *volumeData) override;
+
+    osg::Vec3f emissiveColor;
+    osg::Vec3f diffuseColor;
+    osg::Vec3f specularColor;
+    float      exponent;
+};
+
+#endif
