@@ -15,6 +15,8 @@ for scene in $(build/bin/corvane scenes | cut -d' ' -f1); do
   build/bin/corvane scene "$scene" "build/demo/$scene.png" 800 600
   build/bin/corvane scene "$scene" "docs/$scene.png" 320 240
 done
+echo "== the volume renderer: the phantom cut by a sphere, in an orbit of four frames"
+build/bin/corvane volume --style lit --size 200 200 --orbit 4 -o docs/volume-orbit.png
 echo "== the same, DXT1-compressed to DDS"
 build/bin/corvane dxt build/demo/shaded.png build/demo/shaded.dds dxt1
 echo "== field-container types"

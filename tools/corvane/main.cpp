@@ -17,6 +17,13 @@
 
 #include "DDSWriter.h"
 #include "DemoScene.h"
+#include "VolumeRenderer.h"
+
+#include <OpenSG/OSGLog.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <vector>
 
 #include <fstream>
 
@@ -38,8 +45,174 @@ int usage(void)
             "       corvane dxt IN.png OUT.dds [dxt1|dxt5]\n"
             "       corvane render OUT.png [WIDTH HEIGHT]\n"
             "       corvane scene NAME OUT.png [WIDTH HEIGHT]\n"
-            "       corvane scenes\n");
+            "       corvane scenes\n"
+            "       corvane volume [FILE] [options] -o OUT.png   (corvane volume --help)\n");
     return 2;
+}
+
+const char *const VolumeHelp =
+    "usage: corvane volume [FILE] [options] -o OUT.png\n"
+    "Ray casts a volume file (DAT, NRRD, MetaImage) or, without FILE, the built-in\n"
+    "Shepp-Logan phantom, headless, mixed with an opaque sphere.\n"
+    "  -o, --output FILE        the PNG to write (an orbit numbers its frames)\n"
+    "  --size W H               image size (default 512 512)\n"
+    "  --transfer FILE|NAME     transfer-function file or preset: phantom, ramp\n"
+    "  --style NAME             dvr, lit, mip, xray or boundary (default dvr)\n"
+    "  --traversal NAME         simple or skipping (block skipping)\n"
+    "  --rays NAME              simple or interleaved\n"
+    "  --normals NAME           online, sobel or precomputed\n"
+    "  --preintegrated          pre-integrated classification\n"
+    "  --step S                 ray step in unit-cube coordinates (default 0.004)\n"
+    "  --orbit N                N frames around the volume\n"
+    "  --azimuth DEG, --elevation DEG   the camera's direction\n"
+    "  --phantom-size N         edge of the built-in phantom (default 96)\n"
+    "  --no-mesh                no sphere in the scene\n"
+    "  --progress               a progress bar while loading and preparing\n";
+
+/// A whole unsigned number in [low, high], nothing else in the text.
+bool parseUnsigned(const char *text, unsigned long low, unsigned long high, unsigned &out)
+{
+    if(text == NULL || *text < '0' || *text > '9')
+        return false;
+    errno = 0;
+    char         *end   = NULL;
+    unsigned long value = strtoul(text, &end, 10);
+    if(errno != 0 || *end != '\0' || value < low || value > high)
+        return false;
+    out = unsigned(value);
+    return true;
+}
+
+/// A finite number in [low, high], nothing else in the text.
+bool parseReal(const char *text, double low, double high, float &out)
+{
+    if(text == NULL || *text == '\0')
+        return false;
+    errno = 0;
+    char  *end   = NULL;
+    double value = strtod(text, &end);
+    if(errno != 0 || *end != '\0' || !(value >= low && value <= high))
+        return false;
+    out = float(value);
+    return true;
+}
+
+int volumeError(const std::string &message)
+{
+    fprintf(stderr, "corvane volume: %s\n", message.c_str());
+    return 2;
+}
+
+int renderVolumeCommand(int argc, char **argv)
+{
+    corvane::VolumeRenderOptions o;
+    bool                         haveOutput = false;
+    for(int i = 0; i < argc; ++i)
+    {
+        const std::string a    = argv[i];
+        auto              need = [&](int count) { return i + count < argc; };
+        if(a == "--help" || a == "-h")
+        {
+            fputs(VolumeHelp, stdout);
+            return 0;
+        }
+        else if((a == "-o" || a == "--output") && need(1))
+        {
+            o.output   = argv[++i];
+            haveOutput = true;
+        }
+        else if(a == "--size" && need(2))
+        {
+            if(!parseUnsigned(argv[i + 1], 1, 8192, o.width) ||
+               !parseUnsigned(argv[i + 2], 1, 8192, o.height))
+                return volumeError("bad image size '" + std::string(argv[i + 1]) + " " +
+                                   argv[i + 2] + "' (1 to 8192 each)");
+            i += 2;
+        }
+        else if(a == "--transfer" && need(1))
+            o.transfer = argv[++i];
+        else if(a == "--style" && need(1))
+        {
+            o.style = argv[++i];
+            const std::vector<std::string> &styles = corvane::volumeStyles();
+            if(std::find(styles.begin(), styles.end(), o.style) == styles.end())
+                return volumeError("unknown style '" + o.style + "'");
+        }
+        else if(a == "--traversal" && need(1))
+        {
+            std::string v = argv[++i];
+            if(v != "simple" && v != "skipping")
+                return volumeError("unknown traversal '" + v + "'");
+            o.traversal = v == "simple" ? 1 : 2;
+        }
+        else if(a == "--rays" && need(1))
+        {
+            std::string v = argv[++i];
+            if(v != "simple" && v != "interleaved")
+                return volumeError("unknown ray generation '" + v + "'");
+            o.rayGen = v == "simple" ? 1 : 2;
+        }
+        else if(a == "--normals" && need(1))
+        {
+            std::string v = argv[++i];
+            if(v != "online" && v != "sobel" && v != "precomputed")
+                return volumeError("unknown normals '" + v + "'");
+            o.normals = v == "precomputed" ? 1 : v == "online" ? 2 : 3;
+        }
+        else if(a == "--preintegrated")
+            o.preintegrated = true;
+        else if(a == "--step" && need(1))
+        {
+            if(!parseReal(argv[++i], 0.0005, 0.5, o.stepSize))
+                return volumeError("bad step '" + std::string(argv[i]) + "' (0.0005 to 0.5)");
+        }
+        else if(a == "--orbit" && need(1))
+        {
+            if(!parseUnsigned(argv[++i], 1, 3600, o.frames))
+                return volumeError("bad frame count '" + std::string(argv[i]) + "' (1 to 3600)");
+        }
+        else if(a == "--azimuth" && need(1))
+        {
+            if(!parseReal(argv[++i], -360.0, 360.0, o.azimuth))
+                return volumeError("bad azimuth '" + std::string(argv[i]) + "'");
+        }
+        else if(a == "--elevation" && need(1))
+        {
+            if(!parseReal(argv[++i], -89.0, 89.0, o.elevation))
+                return volumeError("bad elevation '" + std::string(argv[i]) + "'");
+        }
+        else if(a == "--phantom-size" && need(1))
+        {
+            if(!parseUnsigned(argv[++i], 8, 512, o.phantomSize))
+                return volumeError("bad phantom size '" + std::string(argv[i]) + "' (8 to 512)");
+        }
+        else if(a == "--no-mesh")
+            o.mesh = false;
+        else if(a == "--progress")
+            o.progress = true;
+        else if(!a.empty() && a[0] == '-')
+            return volumeError("unknown option '" + a + "' (or a value missing)");
+        else if(o.file.empty())
+            o.file = a;
+        else
+            return volumeError("more than one volume file: '" + o.file + "' and '" + a + "'");
+    }
+    if(!haveOutput)
+        return volumeError("no output file (-o OUT.png)");
+
+    // the library's notices would drown the frame times
+    osgLog().setLogLevel(LOG_WARNING);
+    std::vector<double> times;
+    std::string         error;
+    if(!corvane::renderVolume(o, error, &times))
+    {
+        fprintf(stderr, "corvane volume: %s\n", error.c_str());
+        return 1;
+    }
+    std::sort(times.begin(), times.end());
+    printf("%u frame%s of %ux%u, median %.1f ms a frame\n", o.frames, o.frames == 1 ? "" : "s",
+           o.width, o.height, times.empty() ? 0.0 : times[times.size() / 2]);
+    return 0;
 }
 
 int listScenes(void)
@@ -189,6 +362,8 @@ int main(int argc, char **argv)
         result = compressToDDS(argc - 2, argv + 2);
     else if(strcmp(argv[1], "render") == 0 && (argc == 3 || argc == 5))
         result = renderScene("shaded", argv + 2, argc - 2);
+    else if(strcmp(argv[1], "volume") == 0)
+        result = renderVolumeCommand(argc - 2, argv + 2);
     else if(strcmp(argv[1], "scenes") == 0 && argc == 2)
         result = listScenes();
     else if(strcmp(argv[1], "scene") == 0 && (argc == 4 || argc == 6))
