@@ -3,6 +3,7 @@
 #define _OSGLAYER_H_
 
 #include <OpenSG/OSGLayerBase.h>
+#include <OpenSG/OSGAction.h>
 
 OSG_BEGIN_NAMESPACE
 
@@ -12,6 +13,14 @@ class Layer : public LayerBase
     typedef LayerBase Inherited;
 
   public:
+    /// Draw and render: the children that visible doesn't switch off and
+    /// that pass the frustum test. Without a mask it behaves as a group.
+    Action::ResultE draw(Action *action);
+    /// Picking: the children that pickable doesn't switch off.
+    Action::ResultE intersectEnter(Action *action);
+    /// Records the ray parameter of the hit so far in hit, -1 without one.
+    Action::ResultE intersectLeave(Action *action);
+
     virtual void changed(BitVector whichField, UInt32 origin);
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
