@@ -92,8 +92,10 @@ VolumeNode::VolumeNode(const VolumeNode &source)
 
 VolumeNode::~VolumeNode(void)
 {
-    // the handler stays allocated on purpose: its nodes may still hang in a
-    // scene that outlives this core
+    // the handler's nodes may still hang in a scene that outlives this core:
+    // they keep the references that scene holds, the handler lets go of its own
+    delete _volume;
+    _volume = NULL;
 }
 
 void VolumeNode::initMethod(void)

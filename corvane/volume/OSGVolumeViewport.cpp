@@ -175,6 +175,8 @@ VolumeViewport::~VolumeViewport(void)
     for(const FieldContainerPtr &p : held)
         if(p != NullFC)
             subRefCP(p);
+    delete _frontAction;
+    delete _backAction;
 }
 
 void VolumeViewport::initMethod(void)
@@ -230,6 +232,8 @@ bool VolumeViewport::initialize(void)
     endEditCP(self, AllPixelFields);
     activateSize();
 
+    delete _frontAction;
+    delete _backAction;
     _frontAction = RenderAction::create();
     _frontAction->setFrustumCulling(false);
     _frontAction->setZWriteTrans(true);
