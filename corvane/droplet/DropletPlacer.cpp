@@ -9,7 +9,6 @@
 #include <OpenSG/OSGGroup.h>
 #include <OpenSG/OSGImage.h>
 #include <OpenSG/OSGMaterialChunk.h>
-#include <OpenSG/OSGMaterialGroup.h>
 #include <OpenSG/OSGPassiveBackground.h>
 #include <OpenSG/OSGSimpleGeometry.h>
 #include <OpenSG/OSGSolidBackground.h>
@@ -190,16 +189,7 @@ void DropletPlacer::rebuildScene(bool clear)
     material->addChunk(add, -2);
     endEditCP(material);
 
-    MaterialGroupPtr materialGroup = MaterialGroup::create();
-    beginEditCP(materialGroup);
-    materialGroup->setMaterial(material);
-    endEditCP(materialGroup);
-
-    NodePtr root = Node::create();
-    beginEditCP(root);
-    root->setCore(materialGroup);
-    root->addChild(buildGeoFromSources());
-    endEditCP(root);
+    NodePtr root = DropletUtils::the()->createMaterialGroup(material, buildGeoFromSources());
     addRefCP(root);
 
     if(_fboViewport != NullFC)

@@ -70,27 +70,12 @@ void checkSurface(NodePtr root)
 
 } // namespace
 
-DropletFlowViewport::DropletFlowViewport(void)
-    : Inherited(),
-      _utils(NULL),
-      _flow(NULL),
-      _changedMask(0),
-      _started(false),
-      _renderSources(false),
-      _clearSurface(false),
-      _setupRefused(false)
+DropletFlowViewport::DropletFlowViewport(void) : Inherited()
 {
 }
 
-DropletFlowViewport::DropletFlowViewport(const DropletFlowViewport &source)
-    : Inherited(source),
-      _utils(NULL),
-      _flow(NULL),
-      _changedMask(0),
-      _started(false),
-      _renderSources(false),
-      _clearSurface(false),
-      _setupRefused(false)
+// A copy starts without a simulation of its own.
+DropletFlowViewport::DropletFlowViewport(const DropletFlowViewport &source) : Inherited(source)
 {
 }
 
