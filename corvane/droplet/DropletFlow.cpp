@@ -13,6 +13,7 @@
 #include <OpenSG/OSGSolidBackground.h>
 #include <OpenSG/OSGTransform.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <string>
@@ -441,9 +442,11 @@ DropletFlow::~DropletFlow(void)
 
 TextureChunkPtr DropletFlow::createTexture(int internalFormat)
 {
+    // A map of no texels is an empty image, whose passes draw nothing.
     ImagePtr image = Image::create();
     beginEditCP(image);
-    image->set(GL_RGBA, _width, _height, 1, 1, 1, 0.0, NULL, GL_UNSIGNED_BYTE);
+    image->set(GL_RGBA, std::max(_width, 0), std::max(_height, 0), 1, 1, 1, 0.0, NULL,
+               GL_UNSIGNED_BYTE);
     endEditCP(image);
 
     TextureChunkPtr texture = TextureChunk::create();
