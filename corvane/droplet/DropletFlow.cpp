@@ -9,12 +9,11 @@
 #include <OpenSG/OSGImage.h>
 #include <OpenSG/OSGLog.h>
 #include <OpenSG/OSGMaterialChunk.h>
-#include <OpenSG/OSGMaterialGroup.h>
 #include <OpenSG/OSGPolygonChunk.h>
-#include <OpenSG/OSGSimpleGeometry.h>
 #include <OpenSG/OSGSolidBackground.h>
 #include <OpenSG/OSGTransform.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <string>
@@ -232,21 +231,33 @@ void main()
 }
 )";
 
-// The fluid alone, to be blended over the object: its colour, a little
-// Fresnel, a highlight, and an opacity that grows with the volume.
-const char *OverlayFragmentProgram = R"(
+// What both display programs read: the volume under the fragment and the
+// normal of the film, from the slope of the volume towards the next texels.
+const char *FluidSurfaceProgram = R"(
 uniform sampler2D surfaceMap;
 uniform vec4 fluidColor;
 uniform vec2 offset;
 varying vec2 texCoord;
 varying vec3 lightDir;
 varying vec3 viewDir;
-void main()
+
+float fluidSurface(out vec3 nNormal)
 {
     float val = texture2D(surfaceMap, texCoord).z;
     float valU = texture2D(surfaceMap, texCoord + vec2(offset.x, 0.0)).z;
     float valV = texture2D(surfaceMap, texCoord + vec2(0.0, offset.y)).z;
-    vec3 nNormal = normalize(vec3(val - valU, val - valV, 0.5));
+    nNormal = normalize(vec3(val - valU, val - valV, 0.5));
+    return val;
+}
+)";
+
+// The fluid alone, to be blended over the object: its colour, a little
+// Fresnel, a highlight, and an opacity that grows with the volume.
+const char *OverlayMainProgram = R"(
+void main()
+{
+    vec3 nNormal;
+    float val = fluidSurface(nNormal);
     vec3 nViewDir = normalize(viewDir);
     vec3 nLightDir = normalize(lightDir);
     float NDotL = max(0.2, 0.1 + dot(nNormal, nLightDir));
@@ -262,20 +273,12 @@ void main()
 
 // The object's own texture (unit 0) under the fluid, lit by the first light
 // with the material's colours.
-const char *DiffuseFragmentProgram = R"(
-uniform sampler2D surfaceMap;
+const char *DiffuseMainProgram = R"(
 uniform sampler2D diffuseMap;
-uniform vec4 fluidColor;
-uniform vec2 offset;
-varying vec2 texCoord;
-varying vec3 lightDir;
-varying vec3 viewDir;
 void main()
 {
-    float val = texture2D(surfaceMap, texCoord).z;
-    float valU = texture2D(surfaceMap, texCoord + vec2(offset.x, 0.0)).z;
-    float valV = texture2D(surfaceMap, texCoord + vec2(0.0, offset.y)).z;
-    vec3 nNormal = normalize(vec3(val - valU, val - valV, 0.5));
+    vec3 nNormal;
+    float val = fluidSurface(nNormal);
     vec3 nViewDir = normalize(viewDir);
     vec3 nLightDir = normalize(lightDir);
     float NDotL = max(0.2, dot(nNormal, nLightDir));
@@ -439,9 +442,11 @@ DropletFlow::~DropletFlow(void)
 
 TextureChunkPtr DropletFlow::createTexture(int internalFormat)
 {
+    // A map of no texels is an empty image, whose passes draw nothing.
     ImagePtr image = Image::create();
     beginEditCP(image);
-    image->set(GL_RGBA, _width, _height, 1, 1, 1, 0.0, NULL, GL_UNSIGNED_BYTE);
+    image->set(GL_RGBA, std::max(_width, 0), std::max(_height, 0), 1, 1, 1, 0.0, NULL,
+               GL_UNSIGNED_BYTE);
     endEditCP(image);
 
     TextureChunkPtr texture = TextureChunk::create();
@@ -586,17 +591,8 @@ void DropletFlow::updateProjectedMap(SHLChunkPtr shader, TextureChunkPtr target,
     material->addChunk(_noiseMap, 0);
     endEditCP(material);
 
-    MaterialGroupPtr materialGroup = MaterialGroup::create();
-    beginEditCP(materialGroup);
-    materialGroup->setMaterial(material);
-    endEditCP(materialGroup);
-
     // Every geometry of the object is drawn with the projection shader.
-    NodePtr root = Node::create();
-    beginEditCP(root);
-    root->setCore(materialGroup);
-    root->addChild(cloneTree(_node));
-    endEditCP(root);
+    NodePtr root = utils->createMaterialGroup(material, cloneTree(_node));
     addRefCP(root);
 
     // The clear colours are raw texel values, not encoded vectors.
@@ -630,11 +626,11 @@ void DropletFlow::updateProjectedMap(SHLChunkPtr shader, TextureChunkPtr target,
 void DropletFlow::initDropletDisplayMaterial(int matMode)
 {
     if(matMode == 1)
-        _displayShader = DropletUtils::the()->createShader(DisplayVertexProgram,
-                                                          OverlayFragmentProgram);
+        _displayShader = DropletUtils::the()->createShader(
+            DisplayVertexProgram, std::string(FluidSurfaceProgram) + OverlayMainProgram);
     else if(matMode > 1)
-        _displayShader = DropletUtils::the()->createShader(DisplayVertexProgram,
-                                                          DiffuseFragmentProgram);
+        _displayShader = DropletUtils::the()->createShader(
+            DisplayVertexProgram, std::string(FluidSurfaceProgram) + DiffuseMainProgram);
 
     if(_displayShader != NullFC)
         addRefCP(_displayShader);
@@ -729,20 +725,7 @@ void DropletFlow::renderNextFrame(void)
 
 NodePtr DropletFlow::dbgCreatePlane(TextureChunkPtr texture, float x)
 {
-    ChunkMaterialPtr material = ChunkMaterial::create();
-    beginEditCP(material);
-    material->addChunk(texture, -2);
-    endEditCP(material);
-
-    GeometryPtr plane = makePlaneGeo(5, 5, 1, 1);
-    beginEditCP(plane, Geometry::MaterialFieldMask);
-    plane->setMaterial(material);
-    endEditCP(plane, Geometry::MaterialFieldMask);
-
-    NodePtr planeNode = Node::create();
-    beginEditCP(planeNode);
-    planeNode->setCore(plane);
-    endEditCP(planeNode);
+    std::vector<StateChunkPtr> chunks(1, texture);
 
     TransformPtr xform = Transform::create();
     Matrix       m;
@@ -755,7 +738,7 @@ NodePtr DropletFlow::dbgCreatePlane(TextureChunkPtr texture, float x)
     NodePtr xformNode = Node::create();
     beginEditCP(xformNode);
     xformNode->setCore(xform);
-    xformNode->addChild(planeNode);
+    xformNode->addChild(DropletUtils::the()->createPlane(5.f, &chunks));
     endEditCP(xformNode);
 
     NodePtr group = Node::create();

@@ -9,7 +9,6 @@
 #include <OpenSG/OSGGroup.h>
 #include <OpenSG/OSGImage.h>
 #include <OpenSG/OSGMaterialChunk.h>
-#include <OpenSG/OSGMaterialGroup.h>
 #include <OpenSG/OSGPassiveBackground.h>
 #include <OpenSG/OSGSimpleGeometry.h>
 #include <OpenSG/OSGSolidBackground.h>
@@ -84,10 +83,13 @@ void DropletPlacer::rebuildShapeMap(float contactAngle)
             const float radius = std::sqrt(u * u + v * v);
             UInt8      *p      = &texels[(j * size + i) * 3];
 
-            // y is never positive, so the height stays within 0..1.
-            p[0] = 0;
-            p[1] = 0;
-            p[2] = UInt8(calcDropletHeight(radius, y) * 255.f);
+            // y is never positive, so the height stays within 0..1; only a
+            // flat angle (0/0 at the foot) or one that is not a number
+            // leaves that range, and gives no droplet.
+            const float height = calcDropletHeight(radius, y);
+            p[0]               = 0;
+            p[1]               = 0;
+            p[2]               = height >= 0.f && height <= 1.f ? UInt8(height * 255.f) : 0;
         }
     }
 
@@ -187,16 +189,7 @@ void DropletPlacer::rebuildScene(bool clear)
     material->addChunk(add, -2);
     endEditCP(material);
 
-    MaterialGroupPtr materialGroup = MaterialGroup::create();
-    beginEditCP(materialGroup);
-    materialGroup->setMaterial(material);
-    endEditCP(materialGroup);
-
-    NodePtr root = Node::create();
-    beginEditCP(root);
-    root->setCore(materialGroup);
-    root->addChild(buildGeoFromSources());
-    endEditCP(root);
+    NodePtr root = DropletUtils::the()->createMaterialGroup(material, buildGeoFromSources());
     addRefCP(root);
 
     if(_fboViewport != NullFC)

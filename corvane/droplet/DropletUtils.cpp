@@ -5,6 +5,7 @@
 #include <OpenSG/OSGGroup.h>
 #include <OpenSG/OSGImage.h>
 #include <OpenSG/OSGLog.h>
+#include <OpenSG/OSGMaterialGroup.h>
 #include <OpenSG/OSGPerspectiveCamera.h>
 #include <OpenSG/OSGSimpleGeometry.h>
 #include <OpenSG/OSGSolidBackground.h>
@@ -46,13 +47,8 @@ SHLChunkPtr DropletUtils::createShader(std::string vertex, std::string fragment)
     return shader;
 }
 
-NodePtr DropletUtils::createFBOScene(std::vector<StateChunkPtr> *chunks)
+NodePtr DropletUtils::createPlane(float size, std::vector<StateChunkPtr> *chunks)
 {
-    NodePtr group = Node::create();
-    beginEditCP(group);
-    group->setCore(Group::create());
-    endEditCP(group);
-
     ChunkMaterialPtr material = ChunkMaterial::create();
     beginEditCP(material);
     if(chunks != NULL)
@@ -62,7 +58,7 @@ NodePtr DropletUtils::createFBOScene(std::vector<StateChunkPtr> *chunks)
     }
     endEditCP(material);
 
-    GeometryPtr plane = makePlaneGeo(1, 1, 1, 1);
+    GeometryPtr plane = makePlaneGeo(size, size, 1, 1);
     beginEditCP(plane, Geometry::MaterialFieldMask);
     plane->setMaterial(material);
     endEditCP(plane, Geometry::MaterialFieldMask);
@@ -72,9 +68,32 @@ NodePtr DropletUtils::createFBOScene(std::vector<StateChunkPtr> *chunks)
     planeNode->setCore(plane);
     endEditCP(planeNode);
 
-    beginEditCP(group, Node::ChildrenFieldMask);
-    group->addChild(planeNode);
-    endEditCP(group, Node::ChildrenFieldMask);
+    return planeNode;
+}
+
+NodePtr DropletUtils::createMaterialGroup(MaterialPtr material, NodePtr child)
+{
+    MaterialGroupPtr materialGroup = MaterialGroup::create();
+    beginEditCP(materialGroup);
+    materialGroup->setMaterial(material);
+    endEditCP(materialGroup);
+
+    NodePtr node = Node::create();
+    beginEditCP(node);
+    node->setCore(materialGroup);
+    node->addChild(child);
+    endEditCP(node);
+
+    return node;
+}
+
+NodePtr DropletUtils::createFBOScene(std::vector<StateChunkPtr> *chunks)
+{
+    NodePtr group = Node::create();
+    beginEditCP(group);
+    group->setCore(Group::create());
+    group->addChild(createPlane(1.f, chunks));
+    endEditCP(group);
 
     return group;
 }

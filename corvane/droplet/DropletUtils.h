@@ -12,6 +12,7 @@
 #include <OpenSG/OSGBackground.h>
 #include <OpenSG/OSGFBOViewport.h>
 #include <OpenSG/OSGGeometry.h>
+#include <OpenSG/OSGMaterial.h>
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGRenderActionBase.h>
 #include <OpenSG/OSGSHLChunk.h>
@@ -42,6 +43,14 @@ class DropletUtils
     /// given order, each in the first free slot of its class, so texture
     /// chunks take units 0, 1, 2, ... as they come.
     osg::NodePtr createFBOScene(std::vector<osg::StateChunkPtr> *chunks);
+
+    /// A plane of size x size units facing +z (makePlaneGeo, one segment)
+    /// on a node of its own, whose material holds the chunks in the given
+    /// order, each in the first free slot of its class.
+    osg::NodePtr createPlane(float size, std::vector<osg::StateChunkPtr> *chunks);
+
+    /// A node that draws child with material (a MaterialGroup core).
+    osg::NodePtr createMaterialGroup(osg::MaterialPtr material, osg::NodePtr child);
 
     /// A viewport that renders root into target at the size of target's
     /// image, through a camera that sees the unit plane of createFBOScene

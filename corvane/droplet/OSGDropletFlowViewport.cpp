@@ -21,6 +21,16 @@ OSG_BEGIN_NAMESPACE
 namespace
 {
 
+/// A map edge from a field value, truncated; values that are not a number
+/// or don't fit an int come out as 0 or as an edge no GL allows, so that
+/// the range checks refuse them instead of the conversion going wrong.
+int mapEdge(Real32 value)
+{
+    if(!(value > -1.f))
+        return value < 0.f ? -1 : 0;
+    return value < 1e9f ? int(value) : 1000000000;
+}
+
 double wallClock(void)
 {
     struct timeval now;
@@ -60,27 +70,12 @@ void checkSurface(NodePtr root)
 
 } // namespace
 
-DropletFlowViewport::DropletFlowViewport(void)
-    : Inherited(),
-      _utils(NULL),
-      _flow(NULL),
-      _changedMask(0),
-      _started(false),
-      _renderSources(false),
-      _clearSurface(false),
-      _setupRefused(false)
+DropletFlowViewport::DropletFlowViewport(void) : Inherited()
 {
 }
 
-DropletFlowViewport::DropletFlowViewport(const DropletFlowViewport &source)
-    : Inherited(source),
-      _utils(NULL),
-      _flow(NULL),
-      _changedMask(0),
-      _started(false),
-      _renderSources(false),
-      _clearSurface(false),
-      _setupRefused(false)
+// A copy starts without a simulation of its own.
+DropletFlowViewport::DropletFlowViewport(const DropletFlowViewport &source) : Inherited(source)
 {
 }
 
@@ -182,17 +177,17 @@ bool DropletFlowViewport::setupDropletFlow(NodePtr root)
         return false;
     }
 
-    const int width  = int(getSurfaceMapSize()[0]);
-    const int height = int(getSurfaceMapSize()[1]);
+    const int width  = mapEdge(getSurfaceMapSize()[0]);
+    const int height = mapEdge(getSurfaceMapSize()[1]);
 
     GLint maxSize = 0;
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &maxSize);
 
     if(width <= 0 || height <= 0 || (maxSize > 0 && (width > maxSize || height > maxSize)))
     {
-        SWARNING << "DropletFlowViewport: a surface map of " << width << " x " << height
-                 << " texels is out of range (1 to " << maxSize << "); waiting for a new size"
-                 << std::endl;
+        SWARNING << "DropletFlowViewport: a surface map of " << getSurfaceMapSize()[0]
+                 << " x " << getSurfaceMapSize()[1] << " texels is out of range (1 to "
+                 << maxSize << "); waiting for a new size" << std::endl;
         return false;
     }
 
@@ -224,7 +219,7 @@ bool DropletFlowViewport::setupDropletFlow(NodePtr root)
     _flow = new DropletFlow(root, getMaterial(), width, height, getMatMode(), texture);
 
     _flow->getTimer()->setCurrentTime(getTime());
-    _flow->rebuildNoiseMap(int(getNoiseMapSize()[0]), int(getNoiseMapSize()[1]));
+    _flow->rebuildNoiseMap(mapEdge(getNoiseMapSize()[0]), mapEdge(getNoiseMapSize()[1]));
     _flow->getPlacer()->rebuildShapeMap(getContactAngle());
     _flow->setForce(getForce());
     _flow->setFlowParams(float(getTimeDelay()), float(getTimeStep()), getFluidDensity(),
@@ -312,7 +307,7 @@ void DropletFlowViewport::initialize(void)
 
     if(_changedMask & (PerturbAngleFieldMask | NoiseMapSizeFieldMask))
     {
-        _flow->rebuildNoiseMap(int(getNoiseMapSize()[0]), int(getNoiseMapSize()[1]));
+        _flow->rebuildNoiseMap(mapEdge(getNoiseMapSize()[0]), mapEdge(getNoiseMapSize()[1]));
         _flow->updateProjectedMaps(getPerturbAngle());
     }
 

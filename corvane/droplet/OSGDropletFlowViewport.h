@@ -75,15 +75,15 @@ class DropletFlowViewport : public DropletFlowViewportBase
 
     void operator=(const DropletFlowViewport &source);
 
-    DropletUtils *_utils;
-    DropletFlow  *_flow;
-    BitVector     _changedMask;
-    bool          _started;
-    bool          _renderSources;
-    bool          _clearSurface;
+    DropletUtils *_utils         = NULL;
+    DropletFlow  *_flow          = NULL;
+    BitVector     _changedMask   = 0;
+    bool          _started       = false;
+    bool          _renderSources = false;
+    bool          _clearSurface  = false;
 
     /// The last setup was refused; no new attempt before a field changes.
-    bool _setupRefused;
+    bool _setupRefused = false;
 };
 
 typedef DropletFlowViewport *DropletFlowViewportP;

@@ -384,3 +384,18 @@ TEST_F(DropletFlowTest, AStepIsOneTickAndTheTimerTakesOnlyOne)
                                 p.timeStep);
     expectMapsNear(read(f->getSurfaceMap(1)), oneStep, 5e-3f, 5e-3f, "one update");
 }
+
+TEST_F(DropletFlowTest, MapsWithoutTexelsDrawNothingAndBreakNothing)
+{
+    FlowParams p;
+    for(int edge : {0, -3})
+    {
+        LogCapture                   log(LOG_WARNING);
+        std::unique_ptr<DropletFlow> f = flow(edge, edge, p);
+        place(*f, 0.5f, 0.5f, 0.5f);
+        f->renderNextFrame();
+        EXPECT_EQ(f->getSurfaceMap(1)->getImage()->getWidth(), 0);
+        EXPECT_EQ(log.take(), "") << edge;
+        EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR)) << edge;
+    }
+}

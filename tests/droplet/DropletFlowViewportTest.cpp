@@ -13,7 +13,9 @@
 
 #include <sys/time.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <string>
 
 using namespace droplettest;
@@ -309,7 +311,9 @@ TEST_F(DropletViewportTest, DebugPlanesShowTheSixMapsBesideTheScene)
 
 TEST_F(DropletViewportTest, MapSizesOutOfRangeAreRefusedOnceUntilFixed)
 {
-    const Vec2f bad[] = {Vec2f(0.f, 0.f), Vec2f(-4.f, 16.f), Vec2f(1e6f, 1e6f)};
+    const Real32 nan   = std::numeric_limits<Real32>::quiet_NaN();
+    const Vec2f  bad[] = {Vec2f(0.f, 0.f), Vec2f(-4.f, 16.f), Vec2f(1e6f, 1e6f),
+                          Vec2f(1e12f, 8.f), Vec2f(nan, 16.f)};
     for(const Vec2f &size : bad)
     {
         edit(DropletFlowViewport::SurfaceMapSizeFieldMask,
@@ -395,6 +399,16 @@ TEST_F(DropletViewportTest, OddSimulationFieldsNeitherHangNorBreakTheFrame)
          [&] { dfv->setNoiseMapSize(Vec2f(0.f, 0.f)); });
     EXPECT_NE(frameLog().find("out of range"), std::string::npos);
     EXPECT_EQ(flow()->getNoiseMap()->getImage()->getWidth(), 32);
+
+    // a flat contact angle, or none at all, makes no droplet
+    for(Real32 angle : {0.f, std::numeric_limits<Real32>::quiet_NaN()})
+    {
+        edit(DropletFlowViewport::ContactAngleFieldMask, [&] { dfv->setContactAngle(angle); });
+        frame();
+        ImagePtr     shape = flow()->getPlacer()->getShapeMap()->getImage();
+        const UInt8 *p     = shape->getData();
+        EXPECT_TRUE(std::all_of(p, p + shape->getSize(), [](UInt8 b) { return b == 0; }));
+    }
 
     // no delay: a step for each frame whose clock moved
     edit(DropletFlowViewport::TimeDelayFieldMask | DropletFlowViewport::FrictionSigmaFieldMask |
