@@ -107,19 +107,30 @@ class FaceWriter
 
     void run(void)
     {
+        if(_bits == NULL)
+            return;
         for(UInt32 z = 0; z < _d; ++z)
+        {
             for(UInt32 y = 0; y < _h; ++y)
+            {
+                const UInt8 *row    = _bits + (UInt64(z) * _h + y) * _w;
+                const UInt8 *above  = y + 1 < _h ? row + _w : NULL;
+                const UInt8 *behind = z + 1 < _d ? row + UInt64(_w) * _h : NULL;
                 for(UInt32 x = 0; x < _w; ++x)
-                    cell(x, y, z);
+                {
+                    const bool c  = row[x] != 0;
+                    const bool ox = x + 1 < _w && row[x + 1] != 0;
+                    const bool oy = above != NULL && above[x] != 0;
+                    const bool oz = behind != NULL && behind[x] != 0;
+                    // a skipped cell among skipped neighbours has no face
+                    if(c || ox || oy || oz)
+                        cell(x, y, z, c, ox, oy, oz);
+                }
+            }
+        }
     }
 
   private:
-    bool occupied(UInt32 x, UInt32 y, UInt32 z) const
-    {
-        return _bits != NULL && x < _w && y < _h && z < _d &&
-               _bits[(UInt64(z) * _h + y) * _w + x] != 0;
-    }
-
     UInt32 corner(UInt32 x, UInt32 y, UInt32 z) const { return z * _s + y * _r + x; }
 
     void quad(UInt32 a, UInt32 b, UInt32 c, UInt32 d)
@@ -132,16 +143,12 @@ class FaceWriter
 
     /// The low faces of the grid are wound from outside; a face towards a
     /// skipped neighbour belongs to the visited cell and faces away from
-    /// it, whichever of the two the loop is at.
-    void cell(UInt32 x, UInt32 y, UInt32 z)
+    /// it, whichever of the two the loop is at. ox, oy, oz: the neighbour
+    /// on the high side is visited (outside the grid it never is).
+    void cell(UInt32 x, UInt32 y, UInt32 z, bool c, bool ox, bool oy, bool oz)
     {
-        const bool c  = occupied(x, y, z);
-        const bool ox = occupied(x + 1, y, z);
-        const bool oy = occupied(x, y + 1, z);
-        const bool oz = occupied(x, y, z + 1);
-        const bool nx = ox && !c, ny = oy && !c, nz = oz && !c;
-        const bool ex = !ox, ey = !oy, ez = !oz;
-
+        const bool   nx = ox && !c, ny = oy && !c, nz = oz && !c;
+        const bool   ex = !ox, ey = !oy, ez = !oz;
         const UInt32 x1 = x + 1, y1 = y + 1, z1 = z + 1;
         if(c && x == 0)
             quad(corner(0, y, z), corner(0, y, z1), corner(0, y1, z1), corner(0, y1, z));
