@@ -33,6 +33,16 @@ GeometryPtr geometryOf(const NodePtr &node)
     return GeometryPtr::dcast(node->getCore());
 }
 
+/// A new node with core as its core.
+NodePtr nodeWith(const GeometryPtr &core)
+{
+    NodePtr node = Node::create();
+    beginEditCP(node, Node::CoreFieldMask);
+    node->setCore(core);
+    endEditCP(node, Node::CoreFieldMask);
+    return node;
+}
+
 GeoPLengthsUI32Ptr lengthsOf(UInt32 count)
 {
     GeoPLengthsUI32Ptr lengths = GeoPLengthsUI32::create();
@@ -94,6 +104,33 @@ void fillLattice(Field &field, int w, int h, int d, double span, Real32 scale)
             for(int i = 0; i <= w; ++i)
                 field.push_back(typename Field::StoredType(
                     Real32(i) * sx * scale, Real32(j) * sy * scale, Real32(k) * sz * scale));
+}
+
+/// A new Property with the corners of a w x h x d lattice, handed to
+/// attach inside an edit of geometry with mask. False without a geometry
+/// or for a lattice that indices can't reach.
+template <class Property, class Attach>
+bool attachLattice(const GeometryPtr &geometry,
+                   int                w,
+                   int                h,
+                   int                d,
+                   double             span,
+                   Real32             scale,
+                   BitVector          mask,
+                   Attach             attach)
+{
+    if(geometry == NullFC || !latticeFits(w, h, d))
+        return false;
+
+    typename Property::PtrType property = Property::create();
+    beginEditCP(property);
+    fillLattice(property->getField(), w, h, d, span, scale);
+    endEditCP(property);
+
+    beginEditCP(geometry, mask);
+    attach(geometry, property);
+    endEditCP(geometry, mask);
+    return true;
 }
 
 /// The faces of a bit grid as quads of lattice indices.
@@ -248,11 +285,7 @@ void BoxGeometry::createBox(void)
     geometry->setLengths(lengthsOf(24));
     endEditCP(geometry);
 
-    NodePtr node = Node::create();
-    beginEditCP(node, Node::CoreFieldMask);
-    node->setCore(geometry);
-    endEditCP(node, Node::CoreFieldMask);
-    setBoundingGeometry(node);
+    setBoundingGeometry(nodeWith(geometry));
 }
 
 // --- BoundaryGeometry ------------------------------------------------------------------
@@ -311,47 +344,23 @@ void BoundaryGeometry::createGeometry(void)
     geometry->setTypes(quadType());
     endEditCP(geometry);
 
-    NodePtr node = Node::create();
-    beginEditCP(node, Node::CoreFieldMask);
-    node->setCore(geometry);
-    endEditCP(node, Node::CoreFieldMask);
-    setBoundingGeometry(node);
+    setBoundingGeometry(nodeWith(geometry));
 }
 
 bool BoundaryGeometry::createVertices(int w, int h, int d)
 {
-    GeometryPtr geometry = geometryOf(_boundingGeometry);
-    if(geometry == NullFC || !latticeFits(w, h, d))
-        return false;
-
-    GeoPositions3fPtr positions = GeoPositions3f::create();
-    beginEditCP(positions);
-    fillLattice(positions->getField(), w, h, d, 1.0, 1.f);
-    endEditCP(positions);
-
-    beginEditCP(geometry, Geometry::PositionsFieldMask);
-    geometry->setPositions(positions);
-    endEditCP(geometry, Geometry::PositionsFieldMask);
-    return true;
+    return attachLattice<GeoPositions3f>(
+        geometryOf(_boundingGeometry), w, h, d, 1.0, 1.f, Geometry::PositionsFieldMask,
+        [](const GeometryPtr &geometry, const GeoPositions3fPtr &p) { geometry->setPositions(p); });
 }
 
 bool BoundaryGeometry::createTexCoords(int w, int h, int d)
 {
-    GeometryPtr geometry = geometryOf(_boundingGeometry);
-    if(geometry == NullFC || !latticeFits(w, h, d))
-        return false;
-
     // steps over twice the span, halved again: the same corners as the
     // positions up to rounding
-    GeoTexCoords3fPtr texCoords = GeoTexCoords3f::create();
-    beginEditCP(texCoords);
-    fillLattice(texCoords->getField(), w, h, d, 2.0, 0.5f);
-    endEditCP(texCoords);
-
-    beginEditCP(geometry, Geometry::TexCoordsFieldMask);
-    geometry->setTexCoords(texCoords);
-    endEditCP(geometry, Geometry::TexCoordsFieldMask);
-    return true;
+    return attachLattice<GeoTexCoords3f>(
+        geometryOf(_boundingGeometry), w, h, d, 2.0, 0.5f, Geometry::TexCoordsFieldMask,
+        [](const GeometryPtr &geometry, const GeoTexCoords3fPtr &t) { geometry->setTexCoords(t); });
 }
 
 bool BoundaryGeometry::createIndices(ImagePtr bitImage, int w, int h, int d)

@@ -112,44 +112,46 @@ class SlabWalker
     std::vector<UInt8> _zeros;
 };
 
-/// The gradients of a row of voxels and their lengths, for the channels
-/// to be written from one after the other.
+/// The gradients of a span of a row of voxels, voxels begin to end - 1,
+/// and their lengths, for the channels to be written from one after the
+/// other. Spans keep the scratch small whatever the row's length.
 struct RowGradients
 {
-    explicit RowGradients(UInt32 w) : gx(w), gy(w), gz(w), len(w), inv(w) {}
+    static const UInt32 Span = 256;
 
-    /// Voxels x0 to w - 1 of the row.
-    void compute(const RowNeighbours &r, UInt32 x0)
+    /// Voxels from to end - 1 (of the span).
+    void compute(const RowNeighbours &r, UInt32 from)
     {
-        for(UInt32 x = x0; x < UInt32(gx.size()); ++x)
+        for(UInt32 x = from; x < end; ++x)
         {
-            gx[x]  = Int32(r.centre[x]) - Int32(r.centre[x + 2]);
-            gy[x]  = Int32(r.below[x]) - Int32(r.above[x]);
-            gz[x]  = Int32(r.front[x]) - Int32(r.back[x]);
-            len[x] = std::sqrt(Real32(gx[x] * gx[x] + gy[x] * gy[x] + gz[x] * gz[x]));
-            inv[x] = std::fabs(len[x]) < 0.000001f ? 1.f : 1.f / len[x];
+            const UInt32 i = x - begin;
+            gx[i]          = Int32(r.centre[x]) - Int32(r.centre[x + 2]);
+            gy[i]          = Int32(r.below[x]) - Int32(r.above[x]);
+            gz[i]          = Int32(r.front[x]) - Int32(r.back[x]);
+            len[i]         = std::sqrt(Real32(gx[i] * gx[i] + gy[i] * gy[i] + gz[i] * gz[i]));
+            inv[i]         = std::fabs(len[i]) < 0.000001f ? 1.f : 1.f / len[i];
         }
     }
 
-    std::vector<Int32>  gx, gy, gz;
-    std::vector<Real32> len, inv;
+    UInt32 begin, end;
+    Int32  gx[Span], gy[Span], gz[Span];
+    Real32 len[Span], inv[Span];
 };
 
-/// Every stride-th byte of out, from voxel x0 to w - 1 of a row, set to
-/// value(x).
+/// Every stride-th byte of out, one for each voxel x of the span, set to
+/// value(x, i), i being x's place in the span.
 template <class Value>
-inline void fillChannel(UInt32 x0, UInt32 w, UInt32 stride, UInt8 *out, Value value)
+inline void fillChannel(const RowGradients &g, UInt32 stride, UInt8 *out, Value value)
 {
-    for(UInt32 x = x0; x < w; ++x, out += stride)
-        *out = value(x);
+    for(UInt32 x = g.begin; x < g.end; ++x, out += stride)
+        *out = value(x, x - g.begin);
 }
 
-/// One channel of voxels x0 to w - 1 of a row, every stride-th byte of out
-/// (which points at voxel x0's byte).
+/// One channel of the voxels of a span of a row w voxels long, every
+/// stride-th byte of out (which points at the span's first byte).
 void writeChannel(Channel              channel,
                   const RowNeighbours &r,
                   const RowGradients  &g,
-                  UInt32               x0,
                   UInt32               w,
                   bool                 rowOnFace,
                   UInt32               stride,
@@ -158,37 +160,37 @@ void writeChannel(Channel              channel,
     switch(channel)
     {
         case ValueChannel:
-            fillChannel(x0, w, stride, out, [&](UInt32 x) { return r.centre[x + 1]; });
+            fillChannel(g, stride, out, [&](UInt32 x, UInt32) { return r.centre[x + 1]; });
             break;
         case InnerValueChannel:
-            fillChannel(x0, w, stride, out, [&](UInt32 x) {
+            fillChannel(g, stride, out, [&](UInt32 x, UInt32) {
                 return rowOnFace || x == 0 || x + 1 == w ? UInt8(0) : r.centre[x + 1];
             });
             break;
         case NormalXChannel:
-            fillChannel(x0, w, stride, out, [&](UInt32 x) { return normalByte(g.gx[x], g.inv[x]); });
+            fillChannel(g, stride, out, [&](UInt32, UInt32 i) { return normalByte(g.gx[i], g.inv[i]); });
             break;
         case NormalYChannel:
-            fillChannel(x0, w, stride, out, [&](UInt32 x) { return normalByte(g.gy[x], g.inv[x]); });
+            fillChannel(g, stride, out, [&](UInt32, UInt32 i) { return normalByte(g.gy[i], g.inv[i]); });
             break;
         case NormalZChannel:
-            fillChannel(x0, w, stride, out, [&](UInt32 x) { return normalByte(g.gz[x], g.inv[x]); });
+            fillChannel(g, stride, out, [&](UInt32, UInt32 i) { return normalByte(g.gz[i], g.inv[i]); });
             break;
         case LengthChannel:
             // the bound of 255 is a lower one, so this saturates
-            fillChannel(x0, w, stride, out, [&](UInt32 x) {
-                return UInt8(std::max(Int32(0.57735026f * g.len[x]), 255));
+            fillChannel(g, stride, out, [&](UInt32, UInt32 i) {
+                return UInt8(std::max(Int32(0.57735026f * g.len[i]), 255));
             });
             break;
         case ThetaChannel:
-            fillChannel(x0, w, stride, out, [&](UInt32 x) {
-                return UInt8(Int32(255.f * safeAcos(Real32(g.gz[x]) * g.inv[x]) / Pi));
+            fillChannel(g, stride, out, [&](UInt32, UInt32 i) {
+                return UInt8(Int32(255.f * safeAcos(Real32(g.gz[i]) * g.inv[i]) / Pi));
             });
             break;
         case PhiChannel:
-            fillChannel(x0, w, stride, out, [&](UInt32 x) {
-                const Real32 nx  = Real32(g.gx[x]) * g.inv[x];
-                const Real32 ny  = Real32(g.gy[x]) * g.inv[x];
+            fillChannel(g, stride, out, [&](UInt32, UInt32 i) {
+                const Real32 nx  = Real32(g.gx[i]) * g.inv[i];
+                const Real32 ny  = Real32(g.gy[i]) * g.inv[i];
                 const Real32 rxy = std::sqrt(nx * nx + ny * ny);
                 Real32       phi = rxy == 0.f ? safeAcos(rxy) : safeAcos(nx / rxy);
                 if(ny < 0.f)
@@ -281,19 +283,20 @@ CORVANE_AVX2 UInt32 writeNormalsRowAVX2(const RowNeighbours &r, UInt32 w, UInt8 
     return x;
 }
 
-/// RowGradients::compute for the voxels of a row, eight at a time;
-/// returns how many it did.
-CORVANE_AVX2 UInt32 computeGradientsAVX2(const RowNeighbours &r, UInt32 w, RowGradients &out)
+/// RowGradients::compute for the voxels of a span, eight at a time;
+/// returns the voxel it stopped at.
+CORVANE_AVX2 UInt32 computeGradientsAVX2(const RowNeighbours &r, RowGradients &out)
 {
-    UInt32 x = 0;
-    for(; x + 8 <= w; x += 8)
+    UInt32 x = out.begin;
+    for(; x + 8 <= out.end; x += 8)
     {
         const Gradient8 g(r, x);
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out.gx.data() + x), g.ix);
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out.gy.data() + x), g.iy);
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out.gz.data() + x), g.iz);
-        _mm256_storeu_ps(out.len.data() + x, _mm256_sqrt_ps(g.squared));
-        _mm256_storeu_ps(out.inv.data() + x, g.inverseLength());
+        const UInt32    i = x - out.begin;
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out.gx + i), g.ix);
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out.gy + i), g.iy);
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out.gz + i), g.iz);
+        _mm256_storeu_ps(out.len + i, _mm256_sqrt_ps(g.squared));
+        _mm256_storeu_ps(out.inv + i, g.inverseLength());
     }
     return x;
 }
@@ -317,7 +320,7 @@ void writeSlab(const UInt8  *voxels,
                UInt8        *out)
 {
     SlabWalker   walker(voxels, w, h, d);
-    RowGradients gradients(w);
+    RowGradients gradients;
     const UInt32 stride = format.count;
 #ifdef CORVANE_NORMALS_AVX2
     const bool vector = hasAVX2();
@@ -334,18 +337,20 @@ void writeSlab(const UInt8  *voxels,
             if(fast)
                 x0 = writeNormalsRowAVX2(r, w, rowOut);
 #endif
-            if(x0 == w)
-                continue;
-            UInt32 computed = x0;
-#ifdef CORVANE_NORMALS_AVX2
-            if(vector && x0 == 0)
-                computed = computeGradientsAVX2(r, w, gradients);
-#endif
-            gradients.compute(r, computed);
             const bool onFace = z == 0 || z + 1 == d || y == 0 || y + 1 == h;
-            for(UInt32 c = 0; c < format.count; ++c)
-                writeChannel(format.channels[c], r, gradients, x0, w, onFace, stride,
-                             rowOut + UInt64(x0) * stride + c);
+            for(gradients.begin = x0; gradients.begin < w; gradients.begin = gradients.end)
+            {
+                gradients.end   = std::min(w, gradients.begin + RowGradients::Span);
+                UInt32 computed = gradients.begin;
+#ifdef CORVANE_NORMALS_AVX2
+                if(vector)
+                    computed = computeGradientsAVX2(r, gradients);
+#endif
+                gradients.compute(r, computed);
+                for(UInt32 c = 0; c < format.count; ++c)
+                    writeChannel(format.channels[c], r, gradients, w, onFace, stride,
+                                 rowOut + UInt64(gradients.begin) * stride + c);
+            }
         }
     }
 }
@@ -361,6 +366,7 @@ void writeVolume(const UInt8 *voxels, UInt32 w, UInt32 h, UInt32 d, const Format
     slabs                   = std::min<UInt64>(slabs, std::max<UInt64>(1, voxelCount / VoxelsPerThread));
 
     std::vector<std::thread> workers;
+    workers.reserve(slabs);
     for(UInt64 i = 1; i < slabs; ++i)
     {
         const UInt32 z0 = UInt32(d * i / slabs), z1 = UInt32(d * (i + 1) / slabs);
