@@ -33,6 +33,16 @@ GeometryPtr geometryOf(const NodePtr &node)
     return GeometryPtr::dcast(node->getCore());
 }
 
+/// A new node with core as its core.
+NodePtr nodeWith(const GeometryPtr &core)
+{
+    NodePtr node = Node::create();
+    beginEditCP(node, Node::CoreFieldMask);
+    node->setCore(core);
+    endEditCP(node, Node::CoreFieldMask);
+    return node;
+}
+
 GeoPLengthsUI32Ptr lengthsOf(UInt32 count)
 {
     GeoPLengthsUI32Ptr lengths = GeoPLengthsUI32::create();
@@ -96,6 +106,33 @@ void fillLattice(Field &field, int w, int h, int d, double span, Real32 scale)
                     Real32(i) * sx * scale, Real32(j) * sy * scale, Real32(k) * sz * scale));
 }
 
+/// A new Property with the corners of a w x h x d lattice, handed to
+/// attach inside an edit of geometry with mask. False without a geometry
+/// or for a lattice that indices can't reach.
+template <class Property, class Attach>
+bool attachLattice(const GeometryPtr &geometry,
+                   int                w,
+                   int                h,
+                   int                d,
+                   double             span,
+                   Real32             scale,
+                   BitVector          mask,
+                   Attach             attach)
+{
+    if(geometry == NullFC || !latticeFits(w, h, d))
+        return false;
+
+    typename Property::PtrType property = Property::create();
+    beginEditCP(property);
+    fillLattice(property->getField(), w, h, d, span, scale);
+    endEditCP(property);
+
+    beginEditCP(geometry, mask);
+    attach(geometry, property);
+    endEditCP(geometry, mask);
+    return true;
+}
+
 /// The faces of a bit grid as quads of lattice indices.
 class FaceWriter
 {
@@ -107,19 +144,30 @@ class FaceWriter
 
     void run(void)
     {
+        if(_bits == NULL)
+            return;
         for(UInt32 z = 0; z < _d; ++z)
+        {
             for(UInt32 y = 0; y < _h; ++y)
+            {
+                const UInt8 *row    = _bits + (UInt64(z) * _h + y) * _w;
+                const UInt8 *above  = y + 1 < _h ? row + _w : NULL;
+                const UInt8 *behind = z + 1 < _d ? row + UInt64(_w) * _h : NULL;
                 for(UInt32 x = 0; x < _w; ++x)
-                    cell(x, y, z);
+                {
+                    const bool c  = row[x] != 0;
+                    const bool ox = x + 1 < _w && row[x + 1] != 0;
+                    const bool oy = above != NULL && above[x] != 0;
+                    const bool oz = behind != NULL && behind[x] != 0;
+                    // a skipped cell among skipped neighbours has no face
+                    if(c || ox || oy || oz)
+                        cell(x, y, z, c, ox, oy, oz);
+                }
+            }
+        }
     }
 
   private:
-    bool occupied(UInt32 x, UInt32 y, UInt32 z) const
-    {
-        return _bits != NULL && x < _w && y < _h && z < _d &&
-               _bits[(UInt64(z) * _h + y) * _w + x] != 0;
-    }
-
     UInt32 corner(UInt32 x, UInt32 y, UInt32 z) const { return z * _s + y * _r + x; }
 
     void quad(UInt32 a, UInt32 b, UInt32 c, UInt32 d)
@@ -132,16 +180,12 @@ class FaceWriter
 
     /// The low faces of the grid are wound from outside; a face towards a
     /// skipped neighbour belongs to the visited cell and faces away from
-    /// it, whichever of the two the loop is at.
-    void cell(UInt32 x, UInt32 y, UInt32 z)
+    /// it, whichever of the two the loop is at. ox, oy, oz: the neighbour
+    /// on the high side is visited (outside the grid it never is).
+    void cell(UInt32 x, UInt32 y, UInt32 z, bool c, bool ox, bool oy, bool oz)
     {
-        const bool c  = occupied(x, y, z);
-        const bool ox = occupied(x + 1, y, z);
-        const bool oy = occupied(x, y + 1, z);
-        const bool oz = occupied(x, y, z + 1);
-        const bool nx = ox && !c, ny = oy && !c, nz = oz && !c;
-        const bool ex = !ox, ey = !oy, ez = !oz;
-
+        const bool   nx = ox && !c, ny = oy && !c, nz = oz && !c;
+        const bool   ex = !ox, ey = !oy, ez = !oz;
         const UInt32 x1 = x + 1, y1 = y + 1, z1 = z + 1;
         if(c && x == 0)
             quad(corner(0, y, z), corner(0, y, z1), corner(0, y1, z1), corner(0, y1, z));
@@ -241,11 +285,7 @@ void BoxGeometry::createBox(void)
     geometry->setLengths(lengthsOf(24));
     endEditCP(geometry);
 
-    NodePtr node = Node::create();
-    beginEditCP(node, Node::CoreFieldMask);
-    node->setCore(geometry);
-    endEditCP(node, Node::CoreFieldMask);
-    setBoundingGeometry(node);
+    setBoundingGeometry(nodeWith(geometry));
 }
 
 // --- BoundaryGeometry ------------------------------------------------------------------
@@ -304,47 +344,23 @@ void BoundaryGeometry::createGeometry(void)
     geometry->setTypes(quadType());
     endEditCP(geometry);
 
-    NodePtr node = Node::create();
-    beginEditCP(node, Node::CoreFieldMask);
-    node->setCore(geometry);
-    endEditCP(node, Node::CoreFieldMask);
-    setBoundingGeometry(node);
+    setBoundingGeometry(nodeWith(geometry));
 }
 
 bool BoundaryGeometry::createVertices(int w, int h, int d)
 {
-    GeometryPtr geometry = geometryOf(_boundingGeometry);
-    if(geometry == NullFC || !latticeFits(w, h, d))
-        return false;
-
-    GeoPositions3fPtr positions = GeoPositions3f::create();
-    beginEditCP(positions);
-    fillLattice(positions->getField(), w, h, d, 1.0, 1.f);
-    endEditCP(positions);
-
-    beginEditCP(geometry, Geometry::PositionsFieldMask);
-    geometry->setPositions(positions);
-    endEditCP(geometry, Geometry::PositionsFieldMask);
-    return true;
+    return attachLattice<GeoPositions3f>(
+        geometryOf(_boundingGeometry), w, h, d, 1.0, 1.f, Geometry::PositionsFieldMask,
+        [](const GeometryPtr &geometry, const GeoPositions3fPtr &p) { geometry->setPositions(p); });
 }
 
 bool BoundaryGeometry::createTexCoords(int w, int h, int d)
 {
-    GeometryPtr geometry = geometryOf(_boundingGeometry);
-    if(geometry == NullFC || !latticeFits(w, h, d))
-        return false;
-
     // steps over twice the span, halved again: the same corners as the
     // positions up to rounding
-    GeoTexCoords3fPtr texCoords = GeoTexCoords3f::create();
-    beginEditCP(texCoords);
-    fillLattice(texCoords->getField(), w, h, d, 2.0, 0.5f);
-    endEditCP(texCoords);
-
-    beginEditCP(geometry, Geometry::TexCoordsFieldMask);
-    geometry->setTexCoords(texCoords);
-    endEditCP(geometry, Geometry::TexCoordsFieldMask);
-    return true;
+    return attachLattice<GeoTexCoords3f>(
+        geometryOf(_boundingGeometry), w, h, d, 2.0, 0.5f, Geometry::TexCoordsFieldMask,
+        [](const GeometryPtr &geometry, const GeoTexCoords3fPtr &t) { geometry->setTexCoords(t); });
 }
 
 bool BoundaryGeometry::createIndices(ImagePtr bitImage, int w, int h, int d)

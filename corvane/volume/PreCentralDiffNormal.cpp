@@ -112,54 +112,92 @@ class SlabWalker
     std::vector<UInt8> _zeros;
 };
 
-/// Voxels x to w - 1 of one row, each channel as the format names it.
-void writeRow(const RowNeighbours &r,
-              UInt32               x,
-              UInt32               w,
-              bool                 onFace,
-              const Format        &format,
-              UInt8               *out)
+/// The gradients of a span of a row of voxels, voxels begin to end - 1,
+/// and their lengths, for the channels to be written from one after the
+/// other. Spans keep the scratch small whatever the row's length.
+struct RowGradients
 {
-    for(; x < w; ++x)
-    {
-        const Int32  gx  = Int32(r.centre[x]) - Int32(r.centre[x + 2]);
-        const Int32  gy  = Int32(r.below[x]) - Int32(r.above[x]);
-        const Int32  gz  = Int32(r.front[x]) - Int32(r.back[x]);
-        const Real32 len = std::sqrt(Real32(gx * gx + gy * gy + gz * gz));
-        const Real32 inv = std::fabs(len) < 0.000001f ? 1.f : 1.f / len;
-        const UInt8  v   = r.centre[x + 1];
+    static const UInt32 Span = 256;
 
-        for(UInt32 c = 0; c < format.count; ++c)
+    /// Voxels from to end - 1 (of the span).
+    void compute(const RowNeighbours &r, UInt32 from)
+    {
+        for(UInt32 x = from; x < end; ++x)
         {
-            UInt8 byte = 0;
-            switch(format.channels[c])
-            {
-                case ValueChannel:      byte = v; break;
-                case InnerValueChannel: byte = onFace || x == 0 || x + 1 == w ? 0 : v; break;
-                case NormalXChannel:    byte = normalByte(gx, inv); break;
-                case NormalYChannel:    byte = normalByte(gy, inv); break;
-                case NormalZChannel:    byte = normalByte(gz, inv); break;
-                case LengthChannel:
-                    // the bound of 255 is a lower one, so this saturates
-                    byte = UInt8(std::max(Int32(0.57735026f * len), 255));
-                    break;
-                case ThetaChannel:
-                    byte = UInt8(Int32(255.f * safeAcos(Real32(gz) * inv) / Pi));
-                    break;
-                case PhiChannel:
-                {
-                    const Real32 nx  = Real32(gx) * inv;
-                    const Real32 ny  = Real32(gy) * inv;
-                    const Real32 rxy = std::sqrt(nx * nx + ny * ny);
-                    Real32       phi = rxy == 0.f ? safeAcos(rxy) : safeAcos(nx / rxy);
-                    if(ny < 0.f)
-                        phi = TwoPi - phi;
-                    byte = UInt8(Int32(255.f * phi / TwoPi));
-                    break;
-                }
-            }
-            *out++ = byte;
+            const UInt32 i = x - begin;
+            gx[i]          = Int32(r.centre[x]) - Int32(r.centre[x + 2]);
+            gy[i]          = Int32(r.below[x]) - Int32(r.above[x]);
+            gz[i]          = Int32(r.front[x]) - Int32(r.back[x]);
+            len[i]         = std::sqrt(Real32(gx[i] * gx[i] + gy[i] * gy[i] + gz[i] * gz[i]));
+            inv[i]         = std::fabs(len[i]) < 0.000001f ? 1.f : 1.f / len[i];
         }
+    }
+
+    UInt32 begin, end;
+    Int32  gx[Span], gy[Span], gz[Span];
+    Real32 len[Span], inv[Span];
+};
+
+/// Every stride-th byte of out, one for each voxel x of the span, set to
+/// value(x, i), i being x's place in the span.
+template <class Value>
+inline void fillChannel(const RowGradients &g, UInt32 stride, UInt8 *out, Value value)
+{
+    for(UInt32 x = g.begin; x < g.end; ++x, out += stride)
+        *out = value(x, x - g.begin);
+}
+
+/// One channel of the voxels of a span of a row w voxels long, every
+/// stride-th byte of out (which points at the span's first byte).
+void writeChannel(Channel              channel,
+                  const RowNeighbours &r,
+                  const RowGradients  &g,
+                  UInt32               w,
+                  bool                 rowOnFace,
+                  UInt32               stride,
+                  UInt8               *out)
+{
+    switch(channel)
+    {
+        case ValueChannel:
+            fillChannel(g, stride, out, [&](UInt32 x, UInt32) { return r.centre[x + 1]; });
+            break;
+        case InnerValueChannel:
+            fillChannel(g, stride, out, [&](UInt32 x, UInt32) {
+                return rowOnFace || x == 0 || x + 1 == w ? UInt8(0) : r.centre[x + 1];
+            });
+            break;
+        case NormalXChannel:
+            fillChannel(g, stride, out, [&](UInt32, UInt32 i) { return normalByte(g.gx[i], g.inv[i]); });
+            break;
+        case NormalYChannel:
+            fillChannel(g, stride, out, [&](UInt32, UInt32 i) { return normalByte(g.gy[i], g.inv[i]); });
+            break;
+        case NormalZChannel:
+            fillChannel(g, stride, out, [&](UInt32, UInt32 i) { return normalByte(g.gz[i], g.inv[i]); });
+            break;
+        case LengthChannel:
+            // the bound of 255 is a lower one, so this saturates
+            fillChannel(g, stride, out, [&](UInt32, UInt32 i) {
+                return UInt8(std::max(Int32(0.57735026f * g.len[i]), 255));
+            });
+            break;
+        case ThetaChannel:
+            fillChannel(g, stride, out, [&](UInt32, UInt32 i) {
+                return UInt8(Int32(255.f * safeAcos(Real32(g.gz[i]) * g.inv[i]) / Pi));
+            });
+            break;
+        case PhiChannel:
+            fillChannel(g, stride, out, [&](UInt32, UInt32 i) {
+                const Real32 nx  = Real32(g.gx[i]) * g.inv[i];
+                const Real32 ny  = Real32(g.gy[i]) * g.inv[i];
+                const Real32 rxy = std::sqrt(nx * nx + ny * ny);
+                Real32       phi = rxy == 0.f ? safeAcos(rxy) : safeAcos(nx / rxy);
+                if(ny < 0.f)
+                    phi = TwoPi - phi;
+                return UInt8(Int32(255.f * phi / TwoPi));
+            });
+            break;
     }
 }
 
@@ -167,35 +205,42 @@ void writeRow(const RowNeighbours &r,
 
 #define CORVANE_AVX2 __attribute__((target("avx2")))
 
-/// pshufb masks that interleave three 16-byte channel vectors into 48
-/// bytes of RGB: block k, channel c, byte j takes voxel (16k + j) / 3 of
-/// channel c where (16k + j) % 3 == c, else zero.
-struct InterleaveMasks
-{
-    alignas(16) signed char m[3][3][16];
-};
-
-constexpr InterleaveMasks makeInterleaveMasks(void)
-{
-    InterleaveMasks masks{};
-    for(int k = 0; k < 3; ++k)
-        for(int c = 0; c < 3; ++c)
-            for(int j = 0; j < 16; ++j)
-                masks.m[k][c][j] = (16 * k + j) % 3 == c ? (signed char)((16 * k + j) / 3)
-                                                         : (signed char)0x80;
-    return masks;
-}
-
-constexpr InterleaveMasks Interleave = makeInterleaveMasks();
-
-CORVANE_AVX2 inline __m256 gradient8(const UInt8 *minus, const UInt8 *plus)
+/// minus - plus of eight voxels, as 32-bit integers.
+CORVANE_AVX2 inline __m256i difference8(const UInt8 *minus, const UInt8 *plus)
 {
     const __m256i a = _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i *>(minus)));
     const __m256i b = _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i *>(plus)));
-    return _mm256_cvtepi32_ps(_mm256_sub_epi32(a, b));
+    return _mm256_sub_epi32(a, b);
 }
 
-/// normalByte of eight components, as 32-bit integers; the same float
+/// The gradient of voxels x to x + 7 and its squared length.
+struct Gradient8
+{
+    CORVANE_AVX2 Gradient8(const RowNeighbours &r, UInt32 x)
+        : ix(difference8(r.centre + x, r.centre + x + 2)),
+          iy(difference8(r.below + x, r.above + x)),
+          iz(difference8(r.front + x, r.back + x)),
+          fx(_mm256_cvtepi32_ps(ix)),
+          fy(_mm256_cvtepi32_ps(iy)),
+          fz(_mm256_cvtepi32_ps(iz)),
+          squared(_mm256_add_ps(_mm256_add_ps(_mm256_mul_ps(fx, fx), _mm256_mul_ps(fy, fy)),
+                                _mm256_mul_ps(fz, fz)))
+    {
+    }
+
+    /// 1 / length, and 1 for a zero gradient, which is the rule for it.
+    CORVANE_AVX2 __m256 inverseLength(void) const
+    {
+        const __m256 one = _mm256_set1_ps(1.f);
+        return _mm256_div_ps(one, _mm256_sqrt_ps(_mm256_max_ps(squared, one)));
+    }
+
+    __m256i ix, iy, iz;
+    __m256  fx, fy, fz;
+    __m256  squared;
+};
+
+/// normalByte of eight components, as 32-bit integers: the same float
 /// operations in the same order, so the same bytes.
 CORVANE_AVX2 inline __m256i normalBytes8(__m256 g, __m256 inv)
 {
@@ -203,52 +248,55 @@ CORVANE_AVX2 inline __m256i normalBytes8(__m256 g, __m256 inv)
     return _mm256_cvttps_epi32(_mm256_add_ps(_mm256_mul_ps(_mm256_mul_ps(g, inv), k), k));
 }
 
-/// The normals of voxels x to x + 7.
-CORVANE_AVX2 inline void normals8(const RowNeighbours &r, UInt32 x, __m256i &nx, __m256i &ny, __m256i &nz)
-{
-    const __m256 gx = gradient8(r.centre + x, r.centre + x + 2);
-    const __m256 gy = gradient8(r.below + x, r.above + x);
-    const __m256 gz = gradient8(r.front + x, r.back + x);
-    const __m256 s  = _mm256_add_ps(_mm256_add_ps(_mm256_mul_ps(gx, gx), _mm256_mul_ps(gy, gy)),
-                                    _mm256_mul_ps(gz, gz));
-    // a zero gradient divides by 1 instead, which is the rule for it
-    const __m256 one = _mm256_set1_ps(1.f);
-    const __m256 inv = _mm256_div_ps(one, _mm256_sqrt_ps(_mm256_max_ps(s, one)));
-    nx               = normalBytes8(gx, inv);
-    ny               = normalBytes8(gy, inv);
-    nz               = normalBytes8(gz, inv);
-}
-
-/// Sixteen 32-bit values (0..254) to sixteen bytes in order.
-CORVANE_AVX2 inline __m128i packBytes16(__m256i low, __m256i high)
-{
-    const __m256i words = _mm256_permute4x64_epi64(_mm256_packs_epi32(low, high), 0xD8);
-    return _mm_packus_epi16(_mm256_castsi256_si128(words), _mm256_extracti128_si256(words, 1));
-}
-
-CORVANE_AVX2 inline __m128i interleaveBlock(const __m128i channels[3], int k)
-{
-    const __m128i *m = reinterpret_cast<const __m128i *>(Interleave.m[k]);
-    return _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(channels[0], _mm_load_si128(m)),
-                                     _mm_shuffle_epi8(channels[1], _mm_load_si128(m + 1))),
-                        _mm_shuffle_epi8(channels[2], _mm_load_si128(m + 2)));
-}
-
-/// "xyz" for the voxels of a row in blocks of 16; returns how many it
-/// wrote, the rest is left to writeRow.
+/// "xyz" of the voxels of a row, eight at a time; returns how many it
+/// wrote, the rest is left to the channel loops.
 CORVANE_AVX2 UInt32 writeNormalsRowAVX2(const RowNeighbours &r, UInt32 w, UInt8 *out)
 {
-    UInt32 x = 0;
-    for(; x + 16 <= w; x += 16, out += 48)
+    // the three bytes of each 32-bit voxel to the low 12 bytes of each
+    // lane, then the two lanes' 12 bytes next to each other
+    const __m256i pack  = _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1,
+                                           0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
+    const __m256i join  = _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 7, 7);
+    UInt32        x     = 0;
+    for(; x + 8 <= w; x += 8)
     {
-        __m256i nx0, ny0, nz0, nx1, ny1, nz1;
-        normals8(r, x, nx0, ny0, nz0);
-        normals8(r, x + 8, nx1, ny1, nz1);
-        const __m128i channels[3] = {packBytes16(nx0, nx1), packBytes16(ny0, ny1),
-                                     packBytes16(nz0, nz1)};
-        for(int k = 0; k < 3; ++k)
-            _mm_storeu_si128(reinterpret_cast<__m128i *>(out + 16 * k),
-                             interleaveBlock(channels, k));
+        const Gradient8 g(r, x);
+        const __m256    inv = g.inverseLength();
+        __m256i         rgb = _mm256_or_si256(
+            _mm256_or_si256(normalBytes8(g.fx, inv), _mm256_slli_epi32(normalBytes8(g.fy, inv), 8)),
+            _mm256_slli_epi32(normalBytes8(g.fz, inv), 16));
+        rgb = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(rgb, pack), join);
+
+        // 24 bytes are the voxels'; the 8 behind them may be written over
+        // while the row has that much room left, the next voxels fill them
+        UInt8 *o = out + 3 * x;
+        if(x + 11 <= w)
+        {
+            _mm256_storeu_si256(reinterpret_cast<__m256i *>(o), rgb);
+        }
+        else
+        {
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(o), _mm256_castsi256_si128(rgb));
+            _mm_storel_epi64(reinterpret_cast<__m128i *>(o + 16), _mm256_extracti128_si256(rgb, 1));
+        }
+    }
+    return x;
+}
+
+/// RowGradients::compute for the voxels of a span, eight at a time;
+/// returns the voxel it stopped at.
+CORVANE_AVX2 UInt32 computeGradientsAVX2(const RowNeighbours &r, RowGradients &out)
+{
+    UInt32 x = out.begin;
+    for(; x + 8 <= out.end; x += 8)
+    {
+        const Gradient8 g(r, x);
+        const UInt32    i = x - out.begin;
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out.gx + i), g.ix);
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out.gy + i), g.iy);
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out.gz + i), g.iz);
+        _mm256_storeu_ps(out.len + i, _mm256_sqrt_ps(g.squared));
+        _mm256_storeu_ps(out.inv + i, g.inverseLength());
     }
     return x;
 }
@@ -272,23 +320,37 @@ void writeSlab(const UInt8  *voxels,
                UInt8        *out)
 {
     SlabWalker   walker(voxels, w, h, d);
-    const UInt64 rowBytes = UInt64(w) * format.count;
+    RowGradients gradients;
+    const UInt32 stride = format.count;
 #ifdef CORVANE_NORMALS_AVX2
-    const bool fast = format.normalsOnly && hasAVX2();
+    const bool vector = hasAVX2();
+    const bool fast   = format.normalsOnly && vector;
 #endif
     for(UInt32 z = z0; z < z1; ++z)
     {
         for(UInt32 y = 0; y < h; ++y)
         {
             const RowNeighbours r      = walker.row(y, z);
-            UInt8              *rowOut = out + (UInt64(z) * h + y) * rowBytes;
-            UInt32              x      = 0;
+            UInt8              *rowOut = out + (UInt64(z) * h + y) * w * stride;
+            UInt32              x0     = 0;
 #ifdef CORVANE_NORMALS_AVX2
             if(fast)
-                x = writeNormalsRowAVX2(r, w, rowOut);
+                x0 = writeNormalsRowAVX2(r, w, rowOut);
 #endif
             const bool onFace = z == 0 || z + 1 == d || y == 0 || y + 1 == h;
-            writeRow(r, x, w, onFace, format, rowOut + UInt64(x) * format.count);
+            for(gradients.begin = x0; gradients.begin < w; gradients.begin = gradients.end)
+            {
+                gradients.end   = std::min(w, gradients.begin + RowGradients::Span);
+                UInt32 computed = gradients.begin;
+#ifdef CORVANE_NORMALS_AVX2
+                if(vector)
+                    computed = computeGradientsAVX2(r, gradients);
+#endif
+                gradients.compute(r, computed);
+                for(UInt32 c = 0; c < format.count; ++c)
+                    writeChannel(format.channels[c], r, gradients, w, onFace, stride,
+                                 rowOut + UInt64(gradients.begin) * stride + c);
+            }
         }
     }
 }
@@ -304,6 +366,7 @@ void writeVolume(const UInt8 *voxels, UInt32 w, UInt32 h, UInt32 d, const Format
     slabs                   = std::min<UInt64>(slabs, std::max<UInt64>(1, voxelCount / VoxelsPerThread));
 
     std::vector<std::thread> workers;
+    workers.reserve(slabs);
     for(UInt64 i = 1; i < slabs; ++i)
     {
         const UInt32 z0 = UInt32(d * i / slabs), z1 = UInt32(d * (i + 1) / slabs);

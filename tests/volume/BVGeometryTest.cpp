@@ -522,6 +522,13 @@ class ProxyRender : public wintest::FrameFixture
         endEditCP(_proxyParent, Node::ChildrenFieldMask);
     }
 
+    /// Builds the boundary proxy of grid and shows it.
+    void showBoundary(Grid &grid)
+    {
+        ASSERT_TRUE(boundary.createBoundingGeometry(&grid.volume));
+        show(boundary);
+    }
+
     /// The centre pixel, seen from eye towards at, with cullFace culled.
     wintest::RGBA look(const Pnt3f &eye, const Pnt3f &at, GLenum cullFace, const std::string &name)
     {
@@ -568,8 +575,9 @@ class ProxyRender : public wintest::FrameFixture
         }
     }
 
-    PolygonChunkPtr _culling;
-    NodePtr         _proxyParent;
+    BoundaryGeometry boundary;
+    PolygonChunkPtr  _culling;
+    NodePtr          _proxyParent;
 };
 
 } // namespace bvgeometrytest
@@ -586,9 +594,7 @@ TEST_F(ProxyRender, BoundaryOfAFullGridShowsItsNearFaces)
 {
     Grid grid(2, 3, 2);
     grid.fill('#');
-    BoundaryGeometry boundary;
-    ASSERT_TRUE(boundary.createBoundingGeometry(&grid.volume));
-    show(boundary);
+    showBoundary(grid);
     expectSides(Pnt3f(0.5f, 0.5f, 0.5f), 2.5f, 255, 0, 0, 255, "boundary");
 }
 
@@ -600,9 +606,7 @@ TEST_F(ProxyRender, FromInsideASkippedCellItsWallsFaceTheCamera)
     std::string cells(27, '#');
     cells[13] = '.';
     grid.set(cells);
-    BoundaryGeometry boundary;
-    ASSERT_TRUE(boundary.createBoundingGeometry(&grid.volume));
-    show(boundary);
+    showBoundary(grid);
     // looking towards -axis the near wall is at 1/3, the hull at 0
     expectSides(Pnt3f(0.5f, 0.5f, 0.5f), 0.f, 85, 0, 170, 255, "hole");
 }
@@ -611,9 +615,7 @@ TEST_F(ProxyRender, EmptyProxyDrawsNothingWithoutGLError)
 {
     Grid grid(4, 4, 4);
     grid.fill('.');
-    BoundaryGeometry boundary;
-    ASSERT_TRUE(boundary.createBoundingGeometry(&grid.volume));
-    show(boundary);
+    showBoundary(grid);
     EXPECT_EQ(look(Pnt3f(0.5f, 0.5f, 3.f), Pnt3f(0.5f, 0.5f, 0.5f), GL_BACK, "empty"),
               wintest::Grey);
 

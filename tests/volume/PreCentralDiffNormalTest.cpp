@@ -5,9 +5,9 @@
 #include <OpenSG/PreCentralDiffNormal.h>
 #include <OpenSG/VolumeData.h>
 #include <OpenSG/OSGChunkMaterial.h>
-#include <OpenSG/OSGGeoProperty.h>
 #include <OpenSG/OSGGeometry.h>
 #include <OpenSG/OSGSHLChunk.h>
+#include <OpenSG/OSGSimpleGeometry.h>
 
 #include "window/WindowTestSupport.h"
 #include <support/TextSupport.h>
@@ -158,6 +158,17 @@ ImagePtr normalsOf(const ImagePtr &volume, const std::string &format = "xyz")
     return out;
 }
 
+/// The "xyz" normals of an 8-bit volume, checked voxel by voxel against
+/// the reference; the caller releases them.
+ImagePtr checkedNormals(const std::vector<UInt8> &v, int w, int h, int d)
+{
+    ImagePtr volume  = volumeImage(w, h, d, GL_UNSIGNED_BYTE, v);
+    ImagePtr normals = normalsOf(volume);
+    subRefCP(volume);
+    Reference(v, w, h, d).expectImage(normals, "xyz");
+    return normals;
+}
+
 const UInt8 *texel(const ImagePtr &image, int x, int y, int z)
 {
     return image->getData() +
@@ -188,23 +199,18 @@ TEST(PreCentralDiffNormal, RampGivesTheAxisAgainstItsSlope)
     std::vector<UInt8> v(size_t(w) * h * d);
     for(size_t i = 0; i < v.size(); ++i)
         v[i] = UInt8(10 * (i % w) + 3);
-    ImagePtr volume  = volumeImage(w, h, d, GL_UNSIGNED_BYTE, v);
-    ImagePtr normals = normalsOf(volume);
+    ImagePtr normals = checkedNormals(v, w, h, d);
     EXPECT_EQ(normals->getPixelFormat(), UInt32(GL_RGB));
     for(int x = 0; x < w - 1; ++x)
         EXPECT_TEXEL(normals, x, 2, 2, 0, 127, 127);
     EXPECT_TEXEL(normals, w - 1, 2, 2, 254, 127, 127);
-    Reference(v, w, h, d).expectImage(normals, "xyz");
     subRefCP(normals);
-    subRefCP(volume);
 }
 
 TEST(PreCentralDiffNormal, BallNormalsPointOutward)
 {
     const int          n = 16;
-    std::vector<UInt8> v = ballVoxels(n);
-    ImagePtr volume      = volumeImage(n, n, n, GL_UNSIGNED_BYTE, v);
-    ImagePtr normals     = normalsOf(volume);
+    ImagePtr normals = checkedNormals(ballVoxels(n), n, n, n);
 
     // the six poles: one neighbour inside, the other out, the side
     // neighbours both out
@@ -231,9 +237,7 @@ TEST(PreCentralDiffNormal, BallNormalsPointOutward)
                         << x << ' ' << y << ' ' << z;
                 }
             }
-    Reference(v, n, n, n).expectImage(normals, "xyz");
     subRefCP(normals);
-    subRefCP(volume);
 }
 
 TEST(PreCentralDiffNormal, EveryChannelMatchesTheFormulas)
@@ -254,6 +258,18 @@ TEST(PreCentralDiffNormal, EveryChannelMatchesTheFormulas)
         subRefCP(out);
     }
     subRefCP(volume);
+
+    // rows longer than the scratch of one pass
+    const int          lw = 300;
+    std::vector<UInt8> lv = randomVoxels(size_t(lw) * 3 * 3, 9);
+    ImagePtr           longRows = volumeImage(lw, 3, 3, GL_UNSIGNED_BYTE, lv);
+    for(const std::string format : {"Sxyz", "tp"})
+    {
+        ImagePtr out = normalsOf(longRows, format);
+        Reference(lv, lw, 3, 3).expectImage(out, format);
+        subRefCP(out);
+    }
+    subRefCP(longRows);
 }
 
 TEST(PreCentralDiffNormal, LargeVolumeIsSplitWithoutSeams)
@@ -261,12 +277,7 @@ TEST(PreCentralDiffNormal, LargeVolumeIsSplitWithoutSeams)
     // enough voxels for several slabs; each slab's first and last slice
     // reads its neighbours' voxels
     const int          w = 130, h = 128, d = 131;
-    std::vector<UInt8> v = randomVoxels(size_t(w) * h * d, 11);
-    ImagePtr volume      = volumeImage(w, h, d, GL_UNSIGNED_BYTE, v);
-    ImagePtr normals     = normalsOf(volume);
-    Reference(v, w, h, d).expectImage(normals, "xyz");
-    subRefCP(normals);
-    subRefCP(volume);
+    subRefCP(checkedNormals(randomVoxels(size_t(w) * h * d, 11), w, h, d));
 }
 
 TEST(PreCentralDiffNormal, SixteenBitVolumeIsDifferentiatedAtEightBits)
@@ -588,35 +599,6 @@ class NormalShader : public wintest::FrameFixture
 {
   protected:
     NormalShader(void) : FrameFixture(16, 16) {}
-
-    /// A quad over the whole window, texture coordinates 0 to 1.
-    GeometryPtr screenQuad(const MaterialPtr &material)
-    {
-        GeoPositions3fPtr positions = GeoPositions3f::create();
-        GeoTexCoords2fPtr texCoords = GeoTexCoords2f::create();
-        beginEditCP(positions);
-        beginEditCP(texCoords);
-        const Real32 corners[4][2] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
-        for(const Real32 *c : corners)
-        {
-            positions->getField().push_back(Pnt3f(2 * c[0] - 1, 2 * c[1] - 1, 0));
-            texCoords->getField().push_back(Vec2f(c[0], c[1]));
-        }
-        endEditCP(texCoords);
-        endEditCP(positions);
-        GeoPTypesUI8Ptr types = GeoPTypesUI8::create();
-        beginEditCP(types);
-        types->getField().push_back(GL_QUADS);
-        endEditCP(types);
-        GeometryPtr quad = Geometry::create();
-        beginEditCP(quad);
-        quad->setPositions(positions);
-        quad->setTexCoords(texCoords);
-        quad->setTypes(types);
-        quad->setMaterial(material);
-        endEditCP(quad);
-        return quad;
-    }
 };
 
 } // namespace normalstest
@@ -654,7 +636,12 @@ TEST_F(NormalShader, GetNormalReadsTheNormalVolume)
 
     NodePtr quad = Node::create();
     beginEditCP(quad, Node::CoreFieldMask);
-    quad->setCore(screenQuad(material));
+    // the whole window, texture coordinates 0 to 1
+    GeometryPtr plane = makePlaneGeo(2.f, 2.f, 1, 1);
+    beginEditCP(plane, Geometry::MaterialFieldMask);
+    plane->setMaterial(material);
+    endEditCP(plane, Geometry::MaterialFieldMask);
+    quad->setCore(plane);
     endEditCP(quad, Node::CoreFieldMask);
     beginEditCP(root, Node::ChildrenFieldMask);
     root->addChild(quad);
