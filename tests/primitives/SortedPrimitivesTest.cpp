@@ -594,6 +594,20 @@ TEST_F(SortedPrimitivesBadInputTest, IndicesPastTheVerticesDrawNothing)
     EXPECT_NE(warnings().find("index 4294967295 lies past"), std::string::npos);
 }
 
+TEST_F(SortedPrimitivesBadInputTest, TangentsCountOnlyWhereMultitextureSendsThem)
+{
+    SortedPrimitivesPtr cloud    = addCloud(threeLayers());
+    GeoNormalsPtr       tangents = cloud->getTangents();
+    beginEditCP(tangents);
+    tangents->resize(4);
+    endEditCP(tangents);
+    const std::string log = warnings();
+    if(win->hasExtension(SortedPrimitives::_arbMultitexture))
+        EXPECT_NE(log.find("past the 4 vertices"), std::string::npos) << log;
+    else
+        EXPECT_EQ(log, "");
+}
+
 TEST_F(SortedPrimitivesBadInputTest, ElementCountBeyondTheIndicesIsCut)
 {
     SortedPrimitivesPtr cloud = addCloud(threeLayers());
