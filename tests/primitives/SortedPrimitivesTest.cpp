@@ -17,7 +17,9 @@
 #include <OpenSG/OSGThread.h>
 
 #include <cmath>
+#include <algorithm>
 #include <cstdlib>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -290,6 +292,40 @@ TEST_F(SortedPrimitivesTest, ViewerIsFoundInTheCloudsOwnCoordinates)
         EXPECT_EQ(log.take(), "");
     }
     EXPECT_EQ(primtest::drawnGroups(cloud), (std::vector<int>{0, 1, 2}));
+}
+
+TEST(SortedPrimitivesOrder, MatchesTheRecordsOwnOrders)
+{
+    // scattered groups above and below the viewer; outside a traversal the
+    // action's matrices are the identity, so the viewer is the origin
+    std::mt19937                          rng(3);
+    std::uniform_real_distribution<float> coord(-10.f, 10.f);
+    std::vector<Square>                   groups(1000);
+    for(Square &g : groups)
+        g = {Pnt3f(coord(rng), coord(rng), coord(rng)), HalfRed, 0.1f};
+    SortedPrimitivesPtr cloud = primtest::makeCloud(groups);
+    addRefCP(cloud);
+    beginEditCP(cloud, SortedPrimitives::ThresholdValFieldMask);
+    cloud->setThresholdVal(-0.3f);
+    endEditCP(cloud, SortedPrimitives::ThresholdValFieldMask);
+
+    std::vector<SortedPrimitives::Sorter> expected;
+    for(UInt32 i = 0; i < groups.size(); ++i)
+    {
+        const Pnt3f &p = groups[i].ref;
+        expected.push_back({-p.dist2(Pnt3f(0, 0, 0)), i, p[1]});
+    }
+    std::sort(expected.begin(), expected.end());
+    std::sort(expected.begin() + 300, expected.end(), SortedPrimitives::Sorter::compareFunc);
+
+    std::unique_ptr<RenderAction> outside(RenderAction::create());
+    std::vector<int>              order(groups.size(), -1);
+    UInt32                        count = 0;
+    EXPECT_EQ(cloud->calcIndex(outside.get(), count, order.data()), order.data());
+    ASSERT_EQ(count, groups.size());
+    for(UInt32 i = 0; i < count; ++i)
+        ASSERT_EQ(order[i], int(expected[i].index)) << "at " << i;
+    subRefCP(cloud);
 }
 
 // --- what is drawn -------------------------------------------------------------------
