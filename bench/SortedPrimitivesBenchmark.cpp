@@ -45,7 +45,7 @@ std::vector<primtest::Square> scatter(UInt32 count)
 
 SortedPrimitivesPtr makeScattered(UInt32 count)
 {
-    SortedPrimitivesPtr cloud = primtest::makeCloud(scatter(count), 1);
+    SortedPrimitivesPtr cloud = corvane::makeSquareCloud(scatter(count), 1);
     addRefCP(cloud);
     beginEditCP(cloud);
     cloud->setThresholdVal(0.85f);

@@ -1,12 +1,10 @@
 #include <OpenSG/OSGSortedPrimitives.h>
+#include <OpenSG/PrimitivesRegistration.h>
 #include <OpenSG/OSGPrimitivesDrawer.h>
-#include <OpenSG/OSGDrawAction.h>
-#include <OpenSG/OSGIntersectAction.h>
 #include <OpenSG/OSGLine.h>
 #include <OpenSG/OSGLog.h>
 #include <OpenSG/OSGRenderAction.h>
 #include <OpenSG/OSGSphereVolume.h>
-#include <OpenSG/OSGTypedFunctors.h>
 #include <OpenSG/OSGWindow.h>
 
 #include <algorithm>
@@ -107,26 +105,7 @@ SortedPrimitives::~SortedPrimitives(void)
 
 void SortedPrimitives::initMethod(void)
 {
-    DrawAction::registerEnterDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<Action::ResultE, MaterialDrawablePtr, CNodePtr,
-                                          Action *>(&MaterialDrawable::drawActionEnterHandler));
-    DrawAction::registerLeaveDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<Action::ResultE, MaterialDrawablePtr, CNodePtr,
-                                          Action *>(&MaterialDrawable::drawActionLeaveHandler));
-    RenderAction::registerEnterDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<Action::ResultE, MaterialDrawablePtr, CNodePtr,
-                                          Action *>(&MaterialDrawable::renderActionEnterHandler));
-    RenderAction::registerLeaveDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<Action::ResultE, MaterialDrawablePtr, CNodePtr,
-                                          Action *>(&MaterialDrawable::renderActionLeaveHandler));
-    IntersectAction::registerEnterDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<Action::ResultE, SortedPrimitivesPtr, CNodePtr,
-                                          Action *>(&SortedPrimitives::intersect));
+    registerPrimitivesHandlers<SortedPrimitivesPtr>(getClassType(), &SortedPrimitives::intersect);
 }
 
 SortedPrimitivesPtr SortedPrimitives::getPtr(void) const

@@ -11,7 +11,6 @@
 #include <OpenSG/OSGDrawAction.h>
 #include <OpenSG/OSGDrawable.h>
 #include <OpenSG/OSGIntersectAction.h>
-#include <OpenSG/OSGMatrixUtility.h>
 #include <OpenSG/OSGSimpleGeometry.h>
 #include <OpenSG/OSGStatCollector.h>
 #include <OpenSG/OSGThread.h>
@@ -91,7 +90,7 @@ class SortedPrimitivesTest : public FrameFixture
     SortedPrimitivesPtr addCloud(const std::vector<Square> &groups, UInt32 mode = 1,
                                  const NodePtr &parent = NullFC)
     {
-        SortedPrimitivesPtr cloud = primtest::makeCloud(groups, mode);
+        SortedPrimitivesPtr cloud = corvane::makeSquareCloud(groups, mode);
         keep(cloud);
         beginEditCP(cloud, SortedPrimitives::MaterialFieldMask);
         cloud->setMaterial(primtest::blendedMaterial());
@@ -113,15 +112,7 @@ class SortedPrimitivesTest : public FrameFixture
         return node;
     }
 
-    void lookFrom(const Pnt3f &from, const Pnt3f &at)
-    {
-        Matrix m;
-        MatrixLookAt(m, from, at, Vec3f(0, 1, 0));
-        TransformPtr xf = TransformPtr::dcast(beacon->getCore());
-        beginEditCP(xf, Transform::MatrixFieldMask);
-        xf->setMatrix(m);
-        endEditCP(xf, Transform::MatrixFieldMask);
-    }
+    void lookFrom(const Pnt3f &from, const Pnt3f &at) { primtest::lookFrom(beacon, from, at); }
 
     /// From the far side: the camera at z = -7 looking up +z.
     void lookFromBehind(void) { lookFrom(Pnt3f(0, 0, -7), Pnt3f(0, 0, 0)); }
@@ -303,7 +294,7 @@ TEST(SortedPrimitivesOrder, MatchesTheRecordsOwnOrders)
     std::vector<Square>                   groups(1000);
     for(Square &g : groups)
         g = {Pnt3f(coord(rng), coord(rng), coord(rng)), HalfRed, 0.1f};
-    SortedPrimitivesPtr cloud = primtest::makeCloud(groups);
+    SortedPrimitivesPtr cloud = corvane::makeSquareCloud(groups);
     addRefCP(cloud);
     beginEditCP(cloud, SortedPrimitives::ThresholdValFieldMask);
     cloud->setThresholdVal(-0.3f);

@@ -3,11 +3,10 @@
 // flower drawn by the sample plug-in through a PrimitiveDrawer.
 #include "../DemoScene.h"
 #include "../DemoSupport.h"
+#include "PrimitiveScenes.h"
 
-#include <OpenSG/OSGBlendChunk.h>
 #include <OpenSG/OSGChunkMaterial.h>
 #include <OpenSG/OSGDirectionalLight.h>
-#include <OpenSG/OSGGeoProperty.h>
 #include <OpenSG/OSGGroup.h>
 #include <OpenSG/OSGImage.h>
 #include <OpenSG/OSGPrimitiveDrawer.h>
@@ -54,12 +53,6 @@ ImagePtr makePuff(UInt32 edge)
 /// Blended by the particles' alpha, textured with the puff, unlit.
 MaterialPtr fountainMaterial(void)
 {
-    BlendChunkPtr blend = BlendChunk::create();
-    beginEditCP(blend);
-    blend->setSrcFactor(GL_SRC_ALPHA);
-    blend->setDestFactor(GL_ONE_MINUS_SRC_ALPHA);
-    endEditCP(blend);
-
     TextureChunkPtr puff = TextureChunk::create();
     beginEditCP(puff);
     puff->setImage(makePuff(64));
@@ -70,7 +63,7 @@ MaterialPtr fountainMaterial(void)
 
     ChunkMaterialPtr material = ChunkMaterial::create();
     beginEditCP(material);
-    material->addChunk(blend);
+    material->addChunk(alphaBlending());
     material->addChunk(puff);
     endEditCP(material);
     return material;
@@ -88,27 +81,12 @@ struct FountainRandom
 };
 
 /// Particles thrown up from a nozzle at the origin and falling back: hot
-/// and small when young, cooling to violet and growing as they age and
-/// fade. Each is one quad facing +z round its reference point.
+/// and small when young, cooling to violet, growing and fading as they age.
 SortedPrimitivesPtr makeFountain(void)
 {
-    GeoPositions3fPtr refs      = GeoPositions3f::create();
-    GeoPositions3fPtr positions = GeoPositions3f::create();
-    GeoNormals3fPtr   normals   = GeoNormals3f::create();
-    GeoNormals3fPtr   tangents  = GeoNormals3f::create();
-    GeoColors4fPtr    colors    = GeoColors4f::create();
-    GeoTexCoords2fPtr texCoords = GeoTexCoords2f::create();
-    std::vector<int>  entries, offsets;
-
-    FountainRandom random;
-    const Real32   corner[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
-    beginEditCP(refs);
-    beginEditCP(positions);
-    beginEditCP(normals);
-    beginEditCP(tangents);
-    beginEditCP(colors);
-    beginEditCP(texCoords);
-    for(UInt32 i = 0; i < FountainParticles; ++i)
+    FountainRandom           random;
+    std::vector<CloudSquare> particles(FountainParticles);
+    for(CloudSquare &particle : particles)
     {
         // a launch velocity in a narrow cone round +y, and a time along the
         // arc up to the landing
@@ -120,60 +98,27 @@ SortedPrimitivesPtr makeFountain(void)
         const Real32 landing = 2.f * v[1] / 9.81f;
         const Real32 age     = random.next();
         const Real32 t       = age * landing;
-        const Pnt3f  p(v[0] * t, v[1] * t - 4.905f * t * t, v[2] * t);
+        particle.ref         = Pnt3f(v[0] * t, v[1] * t - 4.905f * t * t, v[2] * t);
 
-        Color4f      c;
         const Real32 fade = 0.85f * osgpow(1.f - age, 1.5f) + 0.1f;
         if(age < 0.3f)
         {
             const Real32 s = age / 0.3f;
-            c.setValuesRGBA(1.f, 1.f - 0.4f * s, 0.8f - 0.7f * s, fade);
+            particle.color.setValuesRGBA(1.f, 1.f - 0.4f * s, 0.8f - 0.7f * s, fade);
         }
         else
         {
             const Real32 s = (age - 0.3f) / 0.7f;
-            c.setValuesRGBA(1.f - 0.6f * s, 0.6f - 0.4f * s, 0.1f + 0.85f * s, fade);
+            particle.color.setValuesRGBA(1.f - 0.6f * s, 0.6f - 0.4f * s, 0.1f + 0.85f * s, fade);
         }
-        const Real32 half = 0.04f + 0.1f * age;
-
-        refs->push_back(p);
-        offsets.push_back(int(entries.size()));
-        for(UInt32 k = 0; k < 4; ++k)
-        {
-            entries.push_back(int(positions->getSize()));
-            positions->push_back(p + Vec3f(corner[k][0] * half, corner[k][1] * half, 0.f));
-            normals->push_back(Vec3f(0.f, 0.f, 1.f));
-            tangents->push_back(Vec3f(1.f, 0.f, 0.f));
-            colors->getField().push_back(c);
-            texCoords->push_back(Vec2f(corner[k][0] * 0.5f + 0.5f, corner[k][1] * 0.5f + 0.5f));
-        }
+        particle.half = 0.04f + 0.1f * age;
     }
-    offsets.push_back(int(entries.size()));
-    endEditCP(texCoords);
-    endEditCP(colors);
-    endEditCP(tangents);
-    endEditCP(normals);
-    endEditCP(positions);
-    endEditCP(refs);
 
-    // ordered wholly by distance, nothing left out
-    SortedPrimitivesPtr fountain = SortedPrimitives::create();
-    beginEditCP(fountain);
-    fountain->setRefPoints(refs);
-    fountain->setPositions(positions);
-    fountain->setNormals(normals);
-    fountain->setTangents(tangents);
-    fountain->setColors(colors);
-    fountain->setTexCoords(texCoords);
-    fountain->setIndexArray(&entries);
-    fountain->setOffsetArray(&offsets);
-    fountain->setMode(1);
-    fountain->setDrawOrder(1);
-    fountain->setThresholdVal(-1.f);
-    fountain->setLowerBound(0.f);
+    SortedPrimitivesPtr fountain = makeSquareCloud(particles);
+    beginEditCP(fountain, SortedPrimitives::SizeFieldMask | SortedPrimitives::MaterialFieldMask);
     fountain->setSize(Vec3f(0.14f, 0.14f, 0.f));
     fountain->setMaterial(fountainMaterial());
-    endEditCP(fountain);
+    endEditCP(fountain, SortedPrimitives::SizeFieldMask | SortedPrimitives::MaterialFieldMask);
     return fountain;
 }
 
