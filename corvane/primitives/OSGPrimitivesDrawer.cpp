@@ -74,7 +74,7 @@ UInt32 primsLargestIndex(const UInt8 *data, UInt32 count)
 /// Statistics, the draw call and the client state taken down. The element
 /// list is checked against what the arrays hold before GL reads it.
 void primsDrawElements(SortedPrimitives *prims, DrawActionBase *action, GLenum primitive,
-                  UInt32 count, unsigned char &flag)
+                       UInt32 count, unsigned char &flag)
 {
     GeoPositionsPtr positions = prims->getPositions();
     const UInt32    vertices  = positions != NullFC ? positions->getSize() : 0;
@@ -90,7 +90,7 @@ void primsDrawElements(SortedPrimitives *prims, DrawActionBase *action, GLenum p
     GeoIndicesPtr indices = prims->getIndices();
     if(count > 0 && indices != NullFC)
     {
-        const UInt32 type = indices->getFormat();
+        const UInt32 type    = indices->getFormat();
         UInt32       largest = 0;
         if(count > indices->getSize())
         {
