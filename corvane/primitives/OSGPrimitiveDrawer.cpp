@@ -1,9 +1,7 @@
 #include <OpenSG/OSGPrimitiveDrawer.h>
-#include <OpenSG/OSGDrawAction.h>
-#include <OpenSG/OSGIntersectAction.h>
+#include <OpenSG/PrimitivesRegistration.h>
 #include <OpenSG/OSGLog.h>
 #include <OpenSG/OSGRenderAction.h>
-#include <OpenSG/OSGTypedFunctors.h>
 
 OSG_BEGIN_NAMESPACE
 
@@ -26,26 +24,7 @@ PrimitiveDrawer::~PrimitiveDrawer(void)
 
 void PrimitiveDrawer::initMethod(void)
 {
-    DrawAction::registerEnterDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<Action::ResultE, MaterialDrawablePtr, CNodePtr,
-                                          Action *>(&MaterialDrawable::drawActionEnterHandler));
-    DrawAction::registerLeaveDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<Action::ResultE, MaterialDrawablePtr, CNodePtr,
-                                          Action *>(&MaterialDrawable::drawActionLeaveHandler));
-    RenderAction::registerEnterDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<Action::ResultE, MaterialDrawablePtr, CNodePtr,
-                                          Action *>(&MaterialDrawable::renderActionEnterHandler));
-    RenderAction::registerLeaveDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<Action::ResultE, MaterialDrawablePtr, CNodePtr,
-                                          Action *>(&MaterialDrawable::renderActionLeaveHandler));
-    IntersectAction::registerEnterDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<Action::ResultE, PrimitiveDrawerPtr, CNodePtr,
-                                          Action *>(&PrimitiveDrawer::intersect));
+    registerPrimitivesHandlers<PrimitiveDrawerPtr>(getClassType(), &PrimitiveDrawer::intersect);
 }
 
 // The material is given back once, from the aspect-0 copy; the library is

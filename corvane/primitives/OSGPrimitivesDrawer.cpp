@@ -22,7 +22,7 @@ unsigned long primsAddress(const SortedPrimitives *prims)
 
 /// glClientActiveTextureARB where the action's window has multitexture,
 /// else NULL: init and exit decide alike from it.
-PFNGLCLIENTACTIVETEXTUREARBPROC clientActiveTexture(DrawActionBase *action)
+PFNGLCLIENTACTIVETEXTUREARBPROC primsClientActiveTexture(DrawActionBase *action)
 {
     if(action == NULL || action->getWindow() == NULL ||
        !action->getWindow()->hasExtension(SortedPrimitives::_arbMultitexture))
@@ -31,13 +31,13 @@ PFNGLCLIENTACTIVETEXTUREARBPROC clientActiveTexture(DrawActionBase *action)
         action->getWindow()->getFunction(SortedPrimitives::_funcClientActiveTextureARB));
 }
 
-const GLvoid *arrayData(GeoPropertyArrayInterface *prop)
+const GLvoid *primsArrayData(GeoPropertyArrayInterface *prop)
 {
     return prop != NULL ? prop->getData() : NULL;
 }
 
 /// How many elements of elementBytes each GL reads from the property.
-UInt32 elementsFor(GeoPropertyArrayInterface *prop, UInt32 elementBytes)
+UInt32 primsElementsFor(GeoPropertyArrayInterface *prop, UInt32 elementBytes)
 {
     if(prop == NULL)
         return 0;
@@ -48,21 +48,21 @@ UInt32 elementsFor(GeoPropertyArrayInterface *prop, UInt32 elementBytes)
 /// The number of vertices that every enabled array holds: positions,
 /// normals and tangents are read as three floats, texture coordinates as
 /// two, colours as their property declares.
-UInt32 vertexLimit(SortedPrimitives *prims, bool multitexture)
+UInt32 primsVertexLimit(SortedPrimitives *prims, bool multitexture)
 {
-    UInt32 limit = elementsFor(getCPtr(prims->getPositions()), 12);
-    limit        = std::min(limit, elementsFor(getCPtr(prims->getNormals()), 12));
-    limit        = std::min(limit, elementsFor(getCPtr(prims->getTexCoords()), 8));
+    UInt32 limit = primsElementsFor(getCPtr(prims->getPositions()), 12);
+    limit        = std::min(limit, primsElementsFor(getCPtr(prims->getNormals()), 12));
+    limit        = std::min(limit, primsElementsFor(getCPtr(prims->getTexCoords()), 8));
     GeoColorsPtr colors = prims->getColors();
     limit = std::min(limit, colors != NullFC ? colors->getSize() : 0u);
     if(multitexture)
-        limit = std::min(limit, elementsFor(getCPtr(prims->getTangents()), 12));
+        limit = std::min(limit, primsElementsFor(getCPtr(prims->getTangents()), 12));
     return limit;
 }
 
 /// The largest of the first count entries of indices.
 template <class IndexT>
-UInt32 largestIndex(const UInt8 *data, UInt32 count)
+UInt32 primsLargestIndex(const UInt8 *data, UInt32 count)
 {
     const IndexT *entries = reinterpret_cast<const IndexT *>(data);
     UInt32        largest = 0;
@@ -73,8 +73,8 @@ UInt32 largestIndex(const UInt8 *data, UInt32 count)
 
 /// Statistics, the draw call and the client state taken down. The element
 /// list is checked against what the arrays hold before GL reads it.
-void drawElements(SortedPrimitives *prims, DrawActionBase *action, GLenum primitive,
-                  UInt32 count, unsigned char &flag)
+void primsDrawElements(SortedPrimitives *prims, DrawActionBase *action, GLenum primitive,
+                       UInt32 count, unsigned char &flag)
 {
     GeoPositionsPtr positions = prims->getPositions();
     const UInt32    vertices  = positions != NullFC ? positions->getSize() : 0;
@@ -90,7 +90,7 @@ void drawElements(SortedPrimitives *prims, DrawActionBase *action, GLenum primit
     GeoIndicesPtr indices = prims->getIndices();
     if(count > 0 && indices != NullFC)
     {
-        const UInt32 type = indices->getFormat();
+        const UInt32 type    = indices->getFormat();
         UInt32       largest = 0;
         if(count > indices->getSize())
         {
@@ -99,13 +99,13 @@ void drawElements(SortedPrimitives *prims, DrawActionBase *action, GLenum primit
             count = indices->getSize();
         }
         if(type == GL_UNSIGNED_INT)
-            largest = largestIndex<UInt32>(indices->getData(), count);
+            largest = primsLargestIndex<UInt32>(indices->getData(), count);
         else if(type == GL_UNSIGNED_SHORT)
-            largest = largestIndex<UInt16>(indices->getData(), count);
+            largest = primsLargestIndex<UInt16>(indices->getData(), count);
         else
             count = 0;
 
-        const UInt32 limit = vertexLimit(prims, clientActiveTexture(action) != NULL);
+        const UInt32 limit = primsVertexLimit(prims, primsClientActiveTexture(action) != NULL);
         if(count > 0 && largest >= limit)
         {
             FWARNING(("SortedPrimitives 0x%lx: index %u lies past the %u vertices "
@@ -189,11 +189,11 @@ struct SortedGroupWriter<GeoTraitQuadSet>
 void SortedPrimitivesTraits::init(SortedPrimitives *prims, DrawActionBase *action,
                                   unsigned char &)
 {
-    PFNGLCLIENTACTIVETEXTUREARBPROC activeTexture = clientActiveTexture(action);
+    PFNGLCLIENTACTIVETEXTUREARBPROC activeTexture = primsClientActiveTexture(action);
 
-    glVertexPointer(3, GL_FLOAT, 0, arrayData(getCPtr(prims->getPositions())));
+    glVertexPointer(3, GL_FLOAT, 0, primsArrayData(getCPtr(prims->getPositions())));
     glEnableClientState(GL_VERTEX_ARRAY);
-    glNormalPointer(GL_FLOAT, 0, arrayData(getCPtr(prims->getNormals())));
+    glNormalPointer(GL_FLOAT, 0, primsArrayData(getCPtr(prims->getNormals())));
     glEnableClientState(GL_NORMAL_ARRAY);
     GeoColorsPtr colors = prims->getColors();
     if(colors != NullFC)
@@ -203,15 +203,15 @@ void SortedPrimitivesTraits::init(SortedPrimitives *prims, DrawActionBase *actio
     if(activeTexture != NULL)
     {
         activeTexture(GL_TEXTURE0_ARB);
-        glTexCoordPointer(2, GL_FLOAT, 0, arrayData(getCPtr(prims->getTexCoords())));
+        glTexCoordPointer(2, GL_FLOAT, 0, primsArrayData(getCPtr(prims->getTexCoords())));
         glEnableClientState(GL_TEXTURE_COORD_ARRAY);
         activeTexture(GL_TEXTURE1_ARB);
-        glTexCoordPointer(3, GL_FLOAT, 0, arrayData(getCPtr(prims->getTangents())));
+        glTexCoordPointer(3, GL_FLOAT, 0, primsArrayData(getCPtr(prims->getTangents())));
         glEnableClientState(GL_TEXTURE_COORD_ARRAY);
     }
     else
     {
-        glTexCoordPointer(2, GL_FLOAT, 0, arrayData(getCPtr(prims->getTexCoords())));
+        glTexCoordPointer(2, GL_FLOAT, 0, primsArrayData(getCPtr(prims->getTexCoords())));
         glEnableClientState(GL_TEXTURE_COORD_ARRAY);
     }
 }
@@ -223,7 +223,7 @@ void SortedPrimitivesTraits::exit(SortedPrimitives *, DrawActionBase *action, un
     glDisableClientState(GL_NORMAL_ARRAY);
     glDisableClientState(GL_COLOR_ARRAY);
 
-    if(PFNGLCLIENTACTIVETEXTUREARBPROC activeTexture = clientActiveTexture(action))
+    if(PFNGLCLIENTACTIVETEXTUREARBPROC activeTexture = primsClientActiveTexture(action))
     {
         activeTexture(GL_TEXTURE0_ARB);
         glDisableClientState(GL_TEXTURE_COORD_ARRAY);
@@ -295,7 +295,7 @@ UInt32 PrimitivesDrawer<TraitT>::drawIndexed(SortedPrimitives *prims, DrawAction
     unsigned char flag = 1;
     SortedPrimitivesTraits::init(prims, action, flag);
     const UInt32 count = rebuild(prims, order, num);
-    drawElements(prims, action, TraitT::Primitive, count, flag);
+    primsDrawElements(prims, action, TraitT::Primitive, count, flag);
     return count;
 }
 
@@ -304,7 +304,7 @@ UInt32 PrimitivesDrawer<TraitT>::drawIndexed(SortedPrimitives *prims, DrawAction
 {
     unsigned char flag = 1;
     SortedPrimitivesTraits::init(prims, action, flag);
-    drawElements(prims, action, TraitT::Primitive, prims->getIndicesSize(), flag);
+    primsDrawElements(prims, action, TraitT::Primitive, prims->getIndicesSize(), flag);
     return prims->getIndicesSize();
 }
 

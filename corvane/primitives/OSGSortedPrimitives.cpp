@@ -1,16 +1,15 @@
 #include <OpenSG/OSGSortedPrimitives.h>
+#include <OpenSG/PrimitivesRegistration.h>
 #include <OpenSG/OSGPrimitivesDrawer.h>
-#include <OpenSG/OSGDrawAction.h>
-#include <OpenSG/OSGIntersectAction.h>
 #include <OpenSG/OSGLine.h>
 #include <OpenSG/OSGLog.h>
 #include <OpenSG/OSGRenderAction.h>
 #include <OpenSG/OSGSphereVolume.h>
-#include <OpenSG/OSGTypedFunctors.h>
 #include <OpenSG/OSGWindow.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 OSG_BEGIN_NAMESPACE
 
@@ -18,6 +17,54 @@ namespace
 {
 
 UInt32 renderParamsWord = 0;
+
+/// The float's bits as an unsigned number of the same order.
+inline UInt32 sorterBits(Real32 value)
+{
+    UInt32 bits;
+    std::memcpy(&bits, &value, sizeof(bits));
+    return (bits & 0x80000000u) != 0 ? ~bits : (bits | 0x80000000u);
+}
+
+/// Sorts n records ascending by one of their floats, least significant
+/// digit first in three passes of 11 bits; a pass whose digit is the same
+/// for every record is skipped. scratch holds n records. Equal values keep
+/// their order, which the ordering leaves free.
+void radixSortSorters(Real32 SortedPrimitives::Sorter::*field, SortedPrimitives::Sorter *records,
+                      SortedPrimitives::Sorter *scratch, UInt32 n)
+{
+    const UInt32 Digits = 2048;
+    UInt32 counts[3 * Digits] = {};
+    for(UInt32 i = 0; i < n; ++i)
+    {
+        const UInt32 bits = sorterBits(records[i].*field);
+        ++counts[bits & (Digits - 1)];
+        ++counts[Digits + ((bits >> 11) & (Digits - 1))];
+        ++counts[2 * Digits + (bits >> 22)];
+    }
+
+    SortedPrimitives::Sorter *from = records, *to = scratch;
+    for(UInt32 pass = 0; pass < 3; ++pass)
+    {
+        UInt32 *count = &counts[pass * Digits];
+        if(std::find(count, count + Digits, n) != count + Digits)
+            continue;
+
+        UInt32 start = 0;
+        for(UInt32 d = 0; d < Digits; ++d)
+        {
+            const UInt32 c = count[d];
+            count[d]       = start;
+            start += c;
+        }
+        const UInt32 shift = 11 * pass;
+        for(UInt32 i = 0; i < n; ++i)
+            to[count[(sorterBits(from[i].*field) >> shift) & (Digits - 1)]++] = from[i];
+        std::swap(from, to);
+    }
+    if(from != records)
+        std::copy(from, from + n, records);
+}
 
 } // namespace
 
@@ -58,26 +105,7 @@ SortedPrimitives::~SortedPrimitives(void)
 
 void SortedPrimitives::initMethod(void)
 {
-    DrawAction::registerEnterDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<Action::ResultE, MaterialDrawablePtr, CNodePtr,
-                                          Action *>(&MaterialDrawable::drawActionEnterHandler));
-    DrawAction::registerLeaveDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<Action::ResultE, MaterialDrawablePtr, CNodePtr,
-                                          Action *>(&MaterialDrawable::drawActionLeaveHandler));
-    RenderAction::registerEnterDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<Action::ResultE, MaterialDrawablePtr, CNodePtr,
-                                          Action *>(&MaterialDrawable::renderActionEnterHandler));
-    RenderAction::registerLeaveDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<Action::ResultE, MaterialDrawablePtr, CNodePtr,
-                                          Action *>(&MaterialDrawable::renderActionLeaveHandler));
-    IntersectAction::registerEnterDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<Action::ResultE, SortedPrimitivesPtr, CNodePtr,
-                                          Action *>(&SortedPrimitives::intersect));
+    registerPrimitivesHandlers<SortedPrimitivesPtr>(getClassType(), &SortedPrimitives::intersect);
 }
 
 SortedPrimitivesPtr SortedPrimitives::getPtr(void) const
@@ -228,7 +256,10 @@ int *SortedPrimitives::calcIndex(DrawActionBase *action, UInt32 &count, int *out
                           : 0.f;
     }
 
-    std::sort(sorters.begin(), sorters.end());
+    // the order of Sorter's operator< and compareFunc, by a radix sort:
+    // a refresh of many groups stays well within a frame
+    std::vector<Sorter> scratch(total);
+    radixSortSorters(&Sorter::key, sorters.data(), scratch.data(), count);
 
     // a threshold above 1 puts the split before the list: all of it is then
     // ordered by height
@@ -238,7 +269,7 @@ int *SortedPrimitives::calcIndex(DrawActionBase *action, UInt32 &count, int *out
     else if(split > 0.f)
         first = UInt32(split);
     if(first < count)
-        std::sort(sorters.begin() + first, sorters.end(), Sorter::compareFunc);
+        radixSortSorters(&Sorter::height, sorters.data() + first, scratch.data(), count - first);
 
     if(out == NULL)
         out = new int[count];

@@ -2,10 +2,10 @@
 // "file" and "file#base" names, the context, drawing, the bounding box and
 // the parameters reach the library; a missing library, a missing symbol and
 // a null context give the warnings and no crash; the sample flower draws.
+#include "PrimitivesTestSupport.h"
 #include "plugins/ProbeState.h"
 #include "window/WindowTestSupport.h"
 
-#include <OpenSG/OSGMatrixUtility.h>
 #include <OpenSG/OSGPrimitiveDrawer.h>
 
 #include <algorithm>
@@ -45,15 +45,7 @@ class PrimitiveDrawerTest : public FrameFixture
             std::free(s);
     }
 
-    void lookFrom(const Pnt3f &from, const Pnt3f &at)
-    {
-        Matrix m;
-        MatrixLookAt(m, from, at, Vec3f(0, 1, 0));
-        TransformPtr xf = TransformPtr::dcast(beacon->getCore());
-        beginEditCP(xf, Transform::MatrixFieldMask);
-        xf->setMatrix(m);
-        endEditCP(xf, Transform::MatrixFieldMask);
-    }
+    void lookFrom(const Pnt3f &from, const Pnt3f &at) { primtest::lookFrom(beacon, from, at); }
 
     /// A drawer on a node under root, loaded with libName and given the
     /// parameters in the same edit; the log of the edit goes to loadLog.

@@ -11,13 +11,14 @@
 #include <OpenSG/OSGDrawAction.h>
 #include <OpenSG/OSGDrawable.h>
 #include <OpenSG/OSGIntersectAction.h>
-#include <OpenSG/OSGMatrixUtility.h>
 #include <OpenSG/OSGSimpleGeometry.h>
 #include <OpenSG/OSGStatCollector.h>
 #include <OpenSG/OSGThread.h>
 
 #include <cmath>
+#include <algorithm>
 #include <cstdlib>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -89,7 +90,7 @@ class SortedPrimitivesTest : public FrameFixture
     SortedPrimitivesPtr addCloud(const std::vector<Square> &groups, UInt32 mode = 1,
                                  const NodePtr &parent = NullFC)
     {
-        SortedPrimitivesPtr cloud = primtest::makeCloud(groups, mode);
+        SortedPrimitivesPtr cloud = corvane::makeSquareCloud(groups, mode);
         keep(cloud);
         beginEditCP(cloud, SortedPrimitives::MaterialFieldMask);
         cloud->setMaterial(primtest::blendedMaterial());
@@ -111,15 +112,7 @@ class SortedPrimitivesTest : public FrameFixture
         return node;
     }
 
-    void lookFrom(const Pnt3f &from, const Pnt3f &at)
-    {
-        Matrix m;
-        MatrixLookAt(m, from, at, Vec3f(0, 1, 0));
-        TransformPtr xf = TransformPtr::dcast(beacon->getCore());
-        beginEditCP(xf, Transform::MatrixFieldMask);
-        xf->setMatrix(m);
-        endEditCP(xf, Transform::MatrixFieldMask);
-    }
+    void lookFrom(const Pnt3f &from, const Pnt3f &at) { primtest::lookFrom(beacon, from, at); }
 
     /// From the far side: the camera at z = -7 looking up +z.
     void lookFromBehind(void) { lookFrom(Pnt3f(0, 0, -7), Pnt3f(0, 0, 0)); }
@@ -290,6 +283,40 @@ TEST_F(SortedPrimitivesTest, ViewerIsFoundInTheCloudsOwnCoordinates)
         EXPECT_EQ(log.take(), "");
     }
     EXPECT_EQ(primtest::drawnGroups(cloud), (std::vector<int>{0, 1, 2}));
+}
+
+TEST(SortedPrimitivesOrder, MatchesTheRecordsOwnOrders)
+{
+    // scattered groups above and below the viewer; outside a traversal the
+    // action's matrices are the identity, so the viewer is the origin
+    std::mt19937                          rng(3);
+    std::uniform_real_distribution<float> coord(-10.f, 10.f);
+    std::vector<Square>                   groups(1000);
+    for(Square &g : groups)
+        g = {Pnt3f(coord(rng), coord(rng), coord(rng)), HalfRed, 0.1f};
+    SortedPrimitivesPtr cloud = corvane::makeSquareCloud(groups);
+    addRefCP(cloud);
+    beginEditCP(cloud, SortedPrimitives::ThresholdValFieldMask);
+    cloud->setThresholdVal(-0.3f);
+    endEditCP(cloud, SortedPrimitives::ThresholdValFieldMask);
+
+    std::vector<SortedPrimitives::Sorter> expected;
+    for(UInt32 i = 0; i < groups.size(); ++i)
+    {
+        const Pnt3f &p = groups[i].ref;
+        expected.push_back({-p.dist2(Pnt3f(0, 0, 0)), i, p[1]});
+    }
+    std::sort(expected.begin(), expected.end());
+    std::sort(expected.begin() + 300, expected.end(), SortedPrimitives::Sorter::compareFunc);
+
+    std::unique_ptr<RenderAction> outside(RenderAction::create());
+    std::vector<int>              order(groups.size(), -1);
+    UInt32                        count = 0;
+    EXPECT_EQ(cloud->calcIndex(outside.get(), count, order.data()), order.data());
+    ASSERT_EQ(count, groups.size());
+    for(UInt32 i = 0; i < count; ++i)
+        ASSERT_EQ(order[i], int(expected[i].index)) << "at " << i;
+    subRefCP(cloud);
 }
 
 // --- what is drawn -------------------------------------------------------------------
@@ -592,6 +619,20 @@ TEST_F(SortedPrimitivesBadInputTest, IndicesPastTheVerticesDrawNothing)
     cloud->setSort(0);
     endEditCP(cloud, SortedPrimitives::IndexArrayFieldMask | SortedPrimitives::SortFieldMask);
     EXPECT_NE(warnings().find("index 4294967295 lies past"), std::string::npos);
+}
+
+TEST_F(SortedPrimitivesBadInputTest, TangentsCountOnlyWhereMultitextureSendsThem)
+{
+    SortedPrimitivesPtr cloud    = addCloud(threeLayers());
+    GeoNormalsPtr       tangents = cloud->getTangents();
+    beginEditCP(tangents);
+    tangents->resize(4);
+    endEditCP(tangents);
+    const std::string log = warnings();
+    if(win->hasExtension(SortedPrimitives::_arbMultitexture))
+        EXPECT_NE(log.find("past the 4 vertices"), std::string::npos) << log;
+    else
+        EXPECT_EQ(log, "");
 }
 
 TEST_F(SortedPrimitivesBadInputTest, ElementCountBeyondTheIndicesIsCut)

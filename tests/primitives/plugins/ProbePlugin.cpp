@@ -11,6 +11,12 @@
 #include <cstdlib>
 #include <cstring>
 
+// The entry points have exactly the types the core calls them through.
+namespace osg
+{
+class DrawActionBase;
+}
+
 #define PROBE_JOIN2(a, b) a##_##b
 #define PROBE_JOIN(a, b) PROBE_JOIN2(a, b)
 #define PROBE_FN(name) PROBE_JOIN(PROBE_BASE, name)
@@ -73,7 +79,7 @@ void PROBE_FN(shutdown)(void *context)
 }
 #endif
 
-void PROBE_FN(drawPrim)(void *context, void *action)
+void PROBE_FN(drawPrim)(void *context, osg::DrawActionBase *action)
 {
     ProbeState *s = state(context);
     s->draws++;

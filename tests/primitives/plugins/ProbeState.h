@@ -9,7 +9,7 @@ struct ProbeState
     int   draws;
     int   boxes;
     int   shutdowns;
-    void *lastAction;
+    const void *lastAction;
     float color[3];  // "color": the quad's colour
     float min[3];    // "min", "max": what _getBBox reports
     float max[3];
