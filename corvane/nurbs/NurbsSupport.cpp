@@ -192,18 +192,34 @@ BitVector NurbsGeometryTarget::installMask(void) const
     return mask;
 }
 
+namespace
+{
+
+/// Puts prop into geo through set, unless geo holds it already: setting
+/// the same property again would only drop and add the same reference
+/// and parent link, at the price of a change notification each.
+template <class PropPtrT, class HeldPtrT>
+void installProperty(Geometry *geo, void (Geometry::*set)(const HeldPtrT &),
+                     const HeldPtrT &held, const PropPtrT &prop)
+{
+    if(held != prop)
+        (geo->*set)(prop);
+}
+
+} // namespace
+
 void NurbsGeometryTarget::install(Geometry *geo)
 {
-    geo->setTypes(_types);
-    geo->setLengths(_lengths);
-    geo->setIndices(_indices);
-    geo->setPositions(_positions);
+    installProperty(geo, &Geometry::setTypes, geo->getTypes(), _types);
+    installProperty(geo, &Geometry::setLengths, geo->getLengths(), _lengths);
+    installProperty(geo, &Geometry::setIndices, geo->getIndices(), _indices);
+    installProperty(geo, &Geometry::setPositions, geo->getPositions(), _positions);
 
     UInt16 mapping = Geometry::MapPosition;
     if(_withShading)
     {
-        geo->setNormals(_normals);
-        geo->setTexCoords(_texCoords);
+        installProperty(geo, &Geometry::setNormals, geo->getNormals(), _normals);
+        installProperty(geo, &Geometry::setTexCoords, geo->getTexCoords(), _texCoords);
         mapping |= Geometry::MapNormal | Geometry::MapTexCoords;
     }
 
@@ -234,44 +250,83 @@ void NurbsGeometryTarget::endFilling(void)
     endAll(_texCoords);
 }
 
-void nurbsAppendType(Geometry *geo, GLenum type)
+namespace
 {
-    GeoPTypesUI8Ptr types = GeoPTypesUI8Ptr::dcast(geo->getTypes());
-    if(types != NullFC)
-        types->getField().push_back(UInt8(type));
+
+/// The data field of prop if it has the concrete type, else NULL.
+template <class ConcretePtrT, class PropPtrT>
+typename ConcretePtrT::StoredObjectType::StoredFieldType *dataOf(const PropPtrT &prop)
+{
+    ConcretePtrT concrete = ConcretePtrT::dcast(prop);
+    return concrete != NullFC ? &concrete->getField() : NULL;
 }
 
-void nurbsAppendLength(Geometry *geo, UInt32 length)
+} // namespace
+
+NurbsTessellationSink::NurbsTessellationSink(void)
+    : _types(NULL), _lengths(NULL), _indices(NULL), _positions(NULL), _normals(NULL),
+      _texCoords(NULL), _numVertices(NULL), _project(false)
 {
-    GeoPLengthsUI32Ptr lengths = GeoPLengthsUI32Ptr::dcast(geo->getLengths());
-    if(lengths != NullFC)
-        lengths->getField().push_back(length);
 }
 
-bool nurbsAppendVertex(Geometry *geo, const GLfloat *v)
+void NurbsTessellationSink::attach(Geometry *geo, UInt32 *numVertices, bool project)
 {
-    GeoPositions3fPtr positions = GeoPositions3fPtr::dcast(geo->getPositions());
-    GeoIndicesUI32Ptr indices   = GeoIndicesUI32Ptr::dcast(geo->getIndices());
-    if(positions == NullFC || indices == NullFC)
-        return false;
-
-    positions->getField().push_back(v != NULL ? Pnt3f(v[0], v[1], v[2]) : Pnt3f(0, 0, 0));
-    indices->getField().push_back(indices->getField().size());
-    return true;
+    _types       = dataOf<GeoPTypesUI8Ptr>(geo->getTypes());
+    _lengths     = dataOf<GeoPLengthsUI32Ptr>(geo->getLengths());
+    _indices     = dataOf<GeoIndicesUI32Ptr>(geo->getIndices());
+    _positions   = dataOf<GeoPositions3fPtr>(geo->getPositions());
+    _normals     = dataOf<GeoNormals3fPtr>(geo->getNormals());
+    _texCoords   = dataOf<GeoTexCoords2fPtr>(geo->getTexCoords());
+    _numVertices = numVertices;
+    _project     = project;
 }
 
-void nurbsAppendNormal(Geometry *geo, const GLfloat *n)
+void NurbsTessellationSink::detach(void)
 {
-    GeoNormals3fPtr normals = GeoNormals3fPtr::dcast(geo->getNormals());
-    if(normals != NullFC)
-        normals->getField().push_back(n != NULL ? Vec3f(n[0], n[1], n[2]) : Vec3f(0, 0, 0));
+    *this = NurbsTessellationSink();
 }
 
-void nurbsAppendTexCoord(Geometry *geo, const GLfloat *t)
+void NurbsTessellationSink::begin(GLenum type)
 {
-    GeoTexCoords2fPtr texCoords = GeoTexCoords2fPtr::dcast(geo->getTexCoords());
-    if(texCoords != NullFC)
-        texCoords->getField().push_back(t != NULL ? Vec2f(t[0], t[1]) : Vec2f(0, 0));
+    if(_types != NULL)
+        _types->push_back(UInt8(type));
+    if(_numVertices != NULL)
+        *_numVertices = 0;
+}
+
+void NurbsTessellationSink::end(void)
+{
+    if(_lengths != NULL && _numVertices != NULL)
+        _lengths->push_back(*_numVertices);
+}
+
+void NurbsTessellationSink::vertex(const GLfloat *v)
+{
+    if(_positions == NULL || _indices == NULL)
+        return;
+
+    Pnt3f p(0, 0, 0);
+    if(v != NULL)
+    {
+        Real32 w = _project && v[3] != 0.f ? v[3] : 1.f;
+        p.setValues(v[0] / w, v[1] / w, v[2] / w);
+    }
+    _positions->push_back(p);
+    _indices->push_back(_indices->size());
+    if(_numVertices != NULL)
+        ++*_numVertices;
+}
+
+void NurbsTessellationSink::normal(const GLfloat *n)
+{
+    if(_normals != NULL)
+        _normals->push_back(n != NULL ? Vec3f(n[0], n[1], n[2]) : Vec3f(0, 0, 0));
+}
+
+void NurbsTessellationSink::texCoord(const GLfloat *t)
+{
+    if(_texCoords != NULL)
+        _texCoords->push_back(t != NULL ? Vec2f(t[0], t[1]) : Vec2f(0, 0));
 }
 
 OSG_END_NAMESPACE

@@ -164,17 +164,44 @@ class NurbsGeometryTarget
     GeoTexCoords2fPtr  _texCoords;
 };
 
-// What the tessellator callbacks do to the geometry being built. Each looks
-// at the geometry's current property and does nothing when it is absent or
-// of another concrete type.
+/// Where GLU's tessellator callbacks write while one tessellation runs:
+/// the data fields of the geometry's properties and its numVertices,
+/// looked up once when attached (GLU calls back within renderGeometry,
+/// so nothing can swap them meanwhile). A field is NULL where the
+/// property is absent or of another concrete type, and its callback then
+/// does nothing.
+class NurbsTessellationSink
+{
+  public:
+    NurbsTessellationSink(void);
 
-void nurbsAppendType(Geometry *geo, GLenum type);
-void nurbsAppendLength(Geometry *geo, UInt32 length);
-/// Appends a position and the next running index; false (and nothing
-/// appended) without both properties.
-bool nurbsAppendVertex(Geometry *geo, const GLfloat *v);
-void nurbsAppendNormal(Geometry *geo, const GLfloat *n);
-void nurbsAppendTexCoord(Geometry *geo, const GLfloat *t);
+    /// Writes into geo's properties from now on; project makes vertices
+    /// homogeneous points to divide by their w (GLU hands a rational
+    /// curve's points on so, a surface's already divided).
+    void attach(Geometry *geo, UInt32 *numVertices, bool project);
+    void detach(void);
+
+    /// A new primitive of GL type: its type is recorded, the vertex count
+    /// starts at 0.
+    void begin(GLenum type);
+    /// The primitive's vertex count goes into the lengths.
+    void end(void);
+    /// A position and the next running index, counted; only with both
+    /// properties.
+    void vertex(const GLfloat *v);
+    void normal(const GLfloat *n);
+    void texCoord(const GLfloat *t);
+
+  private:
+    MFUInt8  *_types;
+    MFUInt32 *_lengths;
+    MFUInt32 *_indices;
+    MFPnt3f  *_positions;
+    MFVec3f  *_normals;
+    MFVec2f  *_texCoords;
+    UInt32   *_numVertices;
+    bool      _project;
+};
 
 /// Extends volume, made valid and empty first, by every control point;
 /// homogeneous points count where they project to.

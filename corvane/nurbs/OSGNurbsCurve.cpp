@@ -28,41 +28,22 @@ void nurbsCError(GLenum code)
               reinterpret_cast<const char *>(gluErrorString(code))));
 }
 
+/// Where the callbacks write while currentCurve is tessellated.
+NurbsTessellationSink curveSink;
+
 void nurbsCBegin(GLenum type)
 {
-    NurbsCurve *curve = currentCurve.getCPtr();
-    if(curve == NULL)
-        return;
-    nurbsAppendType(curve, type);
-    curve->setNumVertices(0);
+    curveSink.begin(type);
 }
 
 void nurbsCEnd(void)
 {
-    NurbsCurve *curve = currentCurve.getCPtr();
-    if(curve != NULL)
-        nurbsAppendLength(curve, curve->getNumVertices());
+    curveSink.end();
 }
 
 void nurbsCVertex(GLfloat *v)
 {
-    NurbsCurve *curve = currentCurve.getCPtr();
-    if(curve == NULL)
-        return;
-
-    // GLU hands a rational curve's points on homogeneous, unlike a
-    // surface's: they are projected here
-    GLfloat projected[3];
-    if(v != NULL && curve->getControlPoint() != NullFC &&
-       curve->getControlPoint()->getDimension() == 4 && v[3] != 0.f)
-    {
-        projected[0] = v[0] / v[3];
-        projected[1] = v[1] / v[3];
-        projected[2] = v[2] / v[3];
-        v            = projected;
-    }
-    if(nurbsAppendVertex(curve, v))
-        curve->setNumVertices(curve->getNumVertices() + 1);
+    curveSink.vertex(v);
 }
 
 } // namespace
@@ -90,6 +71,9 @@ void NurbsCurve::initMethod(void)
 void NurbsCurve::onCreate(const NurbsCurve *source)
 {
     nurbsRegisterGLObject(this);
+    // a copy gives the points back when it goes: it takes its own hold
+    nurbsRepairProperty(FieldContainerPtr(getPtr()), ControlPointFieldId, _sfControlPoint,
+                        ChangedOrigin::Abstract);
     Inherited::onCreate(source);
 }
 
@@ -276,10 +260,17 @@ void NurbsCurve::createGeometry(void)
     setNumVertices(0);
     currentCurve = thisP;
     target.install(this);
+    // emptied before the notification, so that what it sets off in the
+    // geometry has no stale data to go through
+    target.clearForFilling();
     endEditCP(thisP, mask);
 
-    target.clearForFilling();
+    // GLU hands a rational curve's points on homogeneous, unlike a
+    // surface's: they are projected as they come
+    curveSink.attach(this, &editNumVertices(),
+                     getControlPoint() != NullFC && getControlPoint()->getDimension() == 4);
     renderGeometry();
+    curveSink.detach();
     target.endFilling();
 
     nurbsCallback(_nurbsRenderer, GLU_NURBS_BEGIN, NULL);

@@ -35,41 +35,32 @@ void nurbsError(GLenum code)
               reinterpret_cast<const char *>(gluErrorString(code))));
 }
 
+/// Where the callbacks write while currentSurface is tessellated.
+NurbsTessellationSink surfaceSink;
+
 void nurbsBegin(GLenum type)
 {
-    NurbsSurface *surface = currentSurface.getCPtr();
-    if(surface == NULL)
-        return;
-    nurbsAppendType(surface, type);
-    surface->setNumVertices(0);
+    surfaceSink.begin(type);
 }
 
 void nurbsEnd(void)
 {
-    NurbsSurface *surface = currentSurface.getCPtr();
-    if(surface != NULL)
-        nurbsAppendLength(surface, surface->getNumVertices());
+    surfaceSink.end();
 }
 
 void nurbsVertex(GLfloat *v)
 {
-    NurbsSurface *surface = currentSurface.getCPtr();
-    if(surface != NULL && nurbsAppendVertex(surface, v))
-        surface->setNumVertices(surface->getNumVertices() + 1);
+    surfaceSink.vertex(v);
 }
 
 void nurbsNormal(GLfloat *n)
 {
-    NurbsSurface *surface = currentSurface.getCPtr();
-    if(surface != NULL)
-        nurbsAppendNormal(surface, n);
+    surfaceSink.normal(n);
 }
 
 void nurbsTexCoord(GLfloat *t)
 {
-    NurbsSurface *surface = currentSurface.getCPtr();
-    if(surface != NULL)
-        nurbsAppendTexCoord(surface, t);
+    surfaceSink.texCoord(t);
 }
 
 /// GLU's step for a sampling setting: a positive setting is a number of
@@ -120,6 +111,14 @@ void NurbsSurface::initMethod(void)
 void NurbsSurface::onCreate(const NurbsSurface *source)
 {
     nurbsRegisterGLObject(this);
+
+    // a copy holds the nets of its source: with references and links of
+    // its own, since it gives them back when it goes
+    FieldContainerPtr thisP = getPtr();
+    nurbsRepairProperty(thisP, ControlPointFieldId, _sfControlPoint, ChangedOrigin::Abstract);
+    nurbsRepairProperty(thisP, ControlTexCoordFieldId, _sfControlTexCoord,
+                        ChangedOrigin::Abstract);
+
     Inherited::onCreate(source);
 }
 
@@ -320,10 +319,14 @@ void NurbsSurface::createGeometry(void)
     setNumVertices(0);
     currentSurface = thisP;
     target.install(this);
+    // emptied before the notification, so that what it sets off in the
+    // geometry has no stale data to go through
+    target.clearForFilling();
     endEditCP(thisP, mask);
 
-    target.clearForFilling();
+    surfaceSink.attach(this, &getNumVertices(), false);
     renderGeometry();
+    surfaceSink.detach();
     target.endFilling();
 
     // the error callback stays until the renderer goes
