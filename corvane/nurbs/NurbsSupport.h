@@ -5,6 +5,7 @@
 #ifndef _NURBSSUPPORT_H_
 #define _NURBSSUPPORT_H_
 
+#include <OpenSG/OSGDrawActionBase.h>
 #include <OpenSG/OSGGLU.h>
 #include <OpenSG/OSGGeometry.h>
 #include <OpenSG/OSGGeoPropIndices.h>
@@ -202,6 +203,52 @@ class NurbsTessellationSink
     UInt32   *_numVertices;
     bool      _project;
 };
+
+/// What both createGeometry do once GLU is set up for the tessellator: in
+/// one notification the properties go into obj, current points at it and
+/// numVertices starts at 0; then obj's renderGeometry has GLU call back
+/// into sink, which writes into those properties.
+template <class ObjectT>
+void nurbsFillStaticGeometry(ObjectT *obj, typename ObjectT::Ptr &current,
+                             NurbsTessellationSink &sink, bool withShading, bool project)
+{
+    NurbsGeometryTarget   target(obj, withShading);
+    typename ObjectT::Ptr thisP(obj);
+    const BitVector       mask = ObjectT::NumVerticesFieldMask | target.installMask();
+
+    beginEditCP(thisP, mask);
+    obj->setNumVertices(0);
+    current = thisP;
+    target.install(obj);
+    // emptied before the notification, so that what it sets off in the
+    // geometry has no stale data to go through
+    target.clearForFilling();
+    endEditCP(thisP, mask);
+
+    sink.attach(obj, &obj->getNumVertices(), project);
+    obj->renderGeometry();
+    sink.detach();
+    target.endFilling();
+}
+
+/// Validates obj's GL object in the action's window, which runs handleGL
+/// there when needed; returns the window, NULL without one.
+template <class ObjectT>
+Window *nurbsValidate(ObjectT *obj, DrawActionBase *action)
+{
+    Window *win = action != NULL ? action->getWindow() : NULL;
+    // an object made in the aspect that does no GL work has no id
+    if(win != NULL && obj->getSurfaceGLId() != 0)
+        win->validateGLObject(UInt32(obj->getSurfaceGLId()));
+    return win;
+}
+
+/// Calls the display list win keeps under id; list 0 (nothing) for an id
+/// beyond the window's table.
+inline void nurbsCallList(Window *win, UInt32 id)
+{
+    glCallList(id < Window::getGLObjectsSize() ? win->getGLObjectId(id) : 0);
+}
 
 /// Extends volume, made valid and empty first, by every control point;
 /// homogeneous points count where they project to.

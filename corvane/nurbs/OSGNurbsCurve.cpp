@@ -251,27 +251,12 @@ void NurbsCurve::createGeometry(void)
     nurbsCallback(_nurbsRenderer, GLU_NURBS_END, nurbsCEnd);
     nurbsCallback(_nurbsRenderer, GLU_NURBS_VERTEX, nurbsCVertex);
 
-    // normals and texture coordinates stay as they are
-    NurbsGeometryTarget target(this, false);
-    NurbsCurvePtr       thisP(this);
-    const BitVector     mask = NumVerticesFieldMask | target.installMask();
-
-    beginEditCP(thisP, mask);
-    setNumVertices(0);
-    currentCurve = thisP;
-    target.install(this);
-    // emptied before the notification, so that what it sets off in the
-    // geometry has no stale data to go through
-    target.clearForFilling();
-    endEditCP(thisP, mask);
-
-    // GLU hands a rational curve's points on homogeneous, unlike a
-    // surface's: they are projected as they come
-    curveSink.attach(this, &editNumVertices(),
-                     getControlPoint() != NullFC && getControlPoint()->getDimension() == 4);
-    renderGeometry();
-    curveSink.detach();
-    target.endFilling();
+    // normals and texture coordinates stay as they are; GLU hands a
+    // rational curve's points on homogeneous, unlike a surface's, so they
+    // are projected as they come
+    nurbsFillStaticGeometry(this, currentCurve, curveSink, false,
+                            getControlPoint() != NullFC &&
+                                getControlPoint()->getDimension() == 4);
 
     nurbsCallback(_nurbsRenderer, GLU_NURBS_BEGIN, NULL);
     nurbsCallback(_nurbsRenderer, GLU_NURBS_END, NULL);
@@ -287,14 +272,9 @@ void NurbsCurve::handleGL(Window *win, UInt32 idstatus)
 
 Action::ResultE NurbsCurve::drawPrimitives(DrawActionBase *action)
 {
-    Window *win = action != NULL ? action->getWindow() : NULL;
+    Window *win = nurbsValidate(this, action);
     if(win == NULL)
         return Action::Continue;
-
-    // a curve made in the aspect that does no GL work has no id
-    const UInt32 id = UInt32(getSurfaceGLId());
-    if(id != 0)
-        win->validateGLObject(id);
 
     if(getControlCurve())
         return Action::Continue;
@@ -315,7 +295,7 @@ Action::ResultE NurbsCurve::drawPrimitives(DrawActionBase *action)
 
     if(getDlistCache())
     {
-        glCallList(id < Window::getGLObjectsSize() ? win->getGLObjectId(id) : 0);
+        nurbsCallList(win, UInt32(getSurfaceGLId()));
     }
     else
     {

@@ -14,6 +14,7 @@
 OSG_BEGIN_NAMESPACE
 
 class DrawActionBase;
+class NurbsTessellationSink;
 class Window;
 
 class NurbsCurve : public NurbsCurveBase
@@ -67,6 +68,10 @@ class NurbsCurve : public NurbsCurveBase
     friend class NurbsCurveBase;
     template <class ObjectT>
     friend void nurbsHandleGL(ObjectT *obj, Window *win, UInt32 idstatus);
+    template <class ObjectT>
+    friend void nurbsFillStaticGeometry(ObjectT *obj, typename ObjectT::Ptr &current,
+                                        NurbsTessellationSink &sink, bool withShading,
+                                        bool project);
 
     static void initMethod(void);
 

@@ -311,23 +311,7 @@ void NurbsSurface::createGeometry(void)
     nurbsCallback(_nurbsRenderer, GLU_NURBS_NORMAL, nurbsNormal);
     nurbsCallback(_nurbsRenderer, GLU_NURBS_TEXTURE_COORD, nurbsTexCoord);
 
-    NurbsGeometryTarget target(this, true);
-    NurbsSurfacePtr     thisP(this);
-    const BitVector     mask = NumVerticesFieldMask | target.installMask();
-
-    beginEditCP(thisP, mask);
-    setNumVertices(0);
-    currentSurface = thisP;
-    target.install(this);
-    // emptied before the notification, so that what it sets off in the
-    // geometry has no stale data to go through
-    target.clearForFilling();
-    endEditCP(thisP, mask);
-
-    surfaceSink.attach(this, &getNumVertices(), false);
-    renderGeometry();
-    surfaceSink.detach();
-    target.endFilling();
+    nurbsFillStaticGeometry(this, currentSurface, surfaceSink, true, false);
 
     // the error callback stays until the renderer goes
     nurbsCallback(_nurbsRenderer, GLU_NURBS_BEGIN, NULL);
@@ -346,14 +330,9 @@ void NurbsSurface::handleGL(Window *win, UInt32 idstatus)
 
 Action::ResultE NurbsSurface::drawPrimitives(DrawActionBase *action)
 {
-    Window *win = action != NULL ? action->getWindow() : NULL;
+    Window *win = nurbsValidate(this, action);
     if(win == NULL)
         return Action::Continue;
-
-    // a surface made in the aspect that does no GL work has no id
-    const UInt32 id = UInt32(getSurfaceGLId());
-    if(id != 0)
-        win->validateGLObject(id);
 
     if(getFillGeo())
     {
@@ -372,7 +351,7 @@ Action::ResultE NurbsSurface::drawPrimitives(DrawActionBase *action)
 
     if(getDlistCache())
     {
-        glCallList(id < Window::getGLObjectsSize() ? win->getGLObjectId(id) : 0);
+        nurbsCallList(win, UInt32(getSurfaceGLId()));
     }
     else
     {

@@ -15,6 +15,7 @@
 OSG_BEGIN_NAMESPACE
 
 class DrawActionBase;
+class NurbsTessellationSink;
 class Window;
 
 class NurbsSurface : public NurbsSurfaceBase
@@ -65,6 +66,10 @@ class NurbsSurface : public NurbsSurfaceBase
     friend class NurbsSurfaceBase;
     template <class ObjectT>
     friend void nurbsHandleGL(ObjectT *obj, Window *win, UInt32 idstatus);
+    template <class ObjectT>
+    friend void nurbsFillStaticGeometry(ObjectT *obj, typename ObjectT::Ptr &current,
+                                        NurbsTessellationSink &sink, bool withShading,
+                                        bool project);
 
     static void initMethod(void);
 

@@ -175,9 +175,7 @@ TEST_F(NurbsBadInputFrame, BadFieldsAreReportedAndTheSurfaceStays)
             frame();
             EXPECT_EQ(redPixels(), 32u * 32u);
 
-            beginEditCP(root, Node::ChildrenFieldMask);
-            root->subChild(n);
-            endEditCP(root, Node::ChildrenFieldMask);
+            remove(n);
         }
     }
 }

@@ -58,11 +58,7 @@ TEST_F(NurbsCurveFrame, ArchDrawsAlongItsFormulaInEveryMode)
     setMaterialOf(c, flatColour(Red));
     add(c);
 
-    for(const Mode &m : Modes)
-    {
-        SCOPED_TRACE(m.name);
-        setMode(c, m.fillGeo, m.dlistCache);
-        std::vector<RGBA> img = shot();
+    inEveryMode(c, [&](const std::vector<RGBA> &img) {
         for(UInt32 x = 12; x < 52; ++x)
         {
             bool near = false;
@@ -78,7 +74,7 @@ TEST_F(NurbsCurveFrame, ArchDrawsAlongItsFormulaInEveryMode)
                     EXPECT_LT(archDistance(x + 0.5f, y + 0.5f), 2.f) << x << ", " << y;
                 }
             }
-    }
+    });
 }
 
 // Static geometry: one line strip whose points lie on the arch, numVertices
@@ -183,10 +179,7 @@ TEST_F(NurbsCurveFrame, PolylineWarnsAndTrimmingCurveHides)
     c->setPolyline(false);
     c->setControlCurve(true);
     endEditCP(c, NurbsCurve::PolylineFieldMask | NurbsCurve::ControlCurveFieldMask);
-    for(const Mode &m : Modes)
-    {
-        setMode(c, m.fillGeo, m.dlistCache);
-        std::vector<RGBA> img = shot();
-        EXPECT_EQ(std::count(img.begin(), img.end(), Red), 0) << m.name;
-    }
+    inEveryMode(c, [&](const std::vector<RGBA> &img) {
+        EXPECT_EQ(std::count(img.begin(), img.end(), Red), 0);
+    });
 }

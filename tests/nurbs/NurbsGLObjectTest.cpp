@@ -235,20 +235,9 @@ TEST_F(NurbsGLObjectFrame, DestroyedSurfaceIsNotCalledBack)
 {
     NurbsSurfacePtr s = flatSquare(16, 16, 48, 48);
     setMode(s, false, true);
-    NodePtr n = Node::create();
-    addRefCP(n);
-    beginEditCP(n);
-    n->setCore(s);
-    endEditCP(n);
-    beginEditCP(root, Node::ChildrenFieldMask);
-    root->addChild(n);
-    endEditCP(root, Node::ChildrenFieldMask);
+    NodePtr n = attach(s);
     frame();
-
-    beginEditCP(root, Node::ChildrenFieldMask);
-    root->subChild(n);
-    endEditCP(root, Node::ChildrenFieldMask);
-    subRefCP(n);
+    remove(n);
 
     // the destroy status arrives at the end of this frame
     frame();

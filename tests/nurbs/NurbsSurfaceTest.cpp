@@ -97,11 +97,7 @@ TEST_F(NurbsSurfaceFrame, FlatSquareCoversItsPixelsWithItsTextureInEveryMode)
     add(s);
 
     std::vector<RGBA> first;
-    for(const Mode &m : Modes)
-    {
-        SCOPED_TRACE(m.name);
-        setMode(s, m.fillGeo, m.dlistCache);
-        std::vector<RGBA> img = shot();
+    inEveryMode(s, [&](const std::vector<RGBA> &img) {
         for(UInt32 y = 0; y < Size; ++y)
             for(UInt32 x = 0; x < Size; ++x)
             {
@@ -113,7 +109,7 @@ TEST_F(NurbsSurfaceFrame, FlatSquareCoversItsPixelsWithItsTextureInEveryMode)
         if(first.empty())
             first = img;
         EXPECT_TRUE(img == first);
-    }
+    });
 }
 
 // The lower edge of a bicubic patch is a cubic curve: every pixel whose
@@ -140,15 +136,11 @@ TEST_F(NurbsSurfaceFrame, BicubicOutlineFollowsTheCurveInEveryMode)
         return dist > 0.5f ? 1 : dist < -0.5f ? 0 : -1;
     };
 
-    for(const Mode &m : Modes)
-    {
-        SCOPED_TRACE(m.name);
-        setMode(s, m.fillGeo, m.dlistCache);
-        std::vector<RGBA> img = shot();
+    inEveryMode(s, [&](const std::vector<RGBA> &img) {
         EXPECT_EQ(mismatches(img, Red, inside), 0u);
         // the bulge really is there: below y = 16 in the middle columns
         EXPECT_EQ(px(img, 32, 10), Red);
-    }
+    });
 }
 
 // Every vertex GLU put into the static geometry lies on the bicubic
@@ -498,14 +490,7 @@ TEST_F(NurbsSurfaceFrame, ControlNetsAreCountedAndLinked)
 
     // the net is edited in place; the surface hears of it and rebuilds
     {
-        NodePtr n = Node::create();
-        addRefCP(n);
-        beginEditCP(n);
-        n->setCore(s);
-        endEditCP(n);
-        beginEditCP(root, Node::ChildrenFieldMask);
-        root->addChild(n);
-        endEditCP(root, Node::ChildrenFieldMask);
+        NodePtr n = attach(s);
         frame();
         EXPECT_FALSE(s->getDirty());
 
@@ -515,11 +500,7 @@ TEST_F(NurbsSurfaceFrame, ControlNetsAreCountedAndLinked)
         EXPECT_TRUE(s->getDirty());
         std::vector<RGBA> img = shot();
         EXPECT_EQ(px(img, 55, 55), Red);
-
-        beginEditCP(root, Node::ChildrenFieldMask);
-        root->subChild(n);
-        endEditCP(root, Node::ChildrenFieldMask);
-        subRefCP(n);
+        remove(n);
     }
 
     subRefCP(s);

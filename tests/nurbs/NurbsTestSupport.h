@@ -50,34 +50,31 @@ inline UInt32 count(const std::string &text, const std::string &what)
     return n;
 }
 
-inline GeoPositionsPtr points3(const std::vector<Pnt3f> &pts)
+/// A new property of class PropT holding values.
+template <class PropT, class ValueT>
+typename PropT::Ptr property(const std::vector<ValueT> &values)
 {
-    GeoPositions3fPtr p = GeoPositions3f::create();
+    typename PropT::Ptr p = PropT::create();
     beginEditCP(p);
-    for(const Pnt3f &v : pts)
+    for(const ValueT &v : values)
         p->getField().push_back(v);
     endEditCP(p);
     return p;
+}
+
+inline GeoPositionsPtr points3(const std::vector<Pnt3f> &pts)
+{
+    return property<GeoPositions3f>(pts);
 }
 
 inline GeoPositionsPtr points2(const std::vector<Pnt2f> &pts)
 {
-    GeoPositions2fPtr p = GeoPositions2f::create();
-    beginEditCP(p);
-    for(const Pnt2f &v : pts)
-        p->getField().push_back(v);
-    endEditCP(p);
-    return p;
+    return property<GeoPositions2f>(pts);
 }
 
 inline GeoTexCoordsPtr texCoords2(const std::vector<Vec2f> &tcs)
 {
-    GeoTexCoords2fPtr t = GeoTexCoords2f::create();
-    beginEditCP(t);
-    for(const Vec2f &v : tcs)
-        t->getField().push_back(v);
-    endEditCP(t);
-    return t;
+    return property<GeoTexCoords2f>(tcs);
 }
 
 /// A texture net of uDim x vDim points running from (0, 0) to (1, 1):
@@ -250,12 +247,12 @@ class PixelFrame : public FrameFixture
         endEditCP(vp, Viewport::CameraFieldMask);
     }
 
-    /// Puts core (kept by the test) into the scene under its own node.
-    NodePtr add(const NodeCorePtr &core)
+    /// Puts core into the scene under a node of its own, which only the
+    /// scene holds: remove destroys it, and the core with it unless
+    /// someone else holds that.
+    NodePtr attach(const NodeCorePtr &core)
     {
-        keep(core);
         NodePtr n = Node::create();
-        keep(n);
         beginEditCP(n);
         n->setCore(core);
         endEditCP(n);
@@ -265,11 +262,40 @@ class PixelFrame : public FrameFixture
         return n;
     }
 
+    void remove(const NodePtr &n)
+    {
+        beginEditCP(root, Node::ChildrenFieldMask);
+        root->subChild(n);
+        endEditCP(root, Node::ChildrenFieldMask);
+    }
+
+    /// Puts core into the scene under its own node, both kept by the test.
+    NodePtr add(const NodeCorePtr &core)
+    {
+        keep(core);
+        NodePtr n = attach(core);
+        keep(n);
+        return n;
+    }
+
     /// Renders a frame that must log nothing, and returns its pixels.
     std::vector<RGBA> shot(void)
     {
         frame();
         return readAll(win);
+    }
+
+    /// Renders obj drawn in each of the three ways and hands each image to
+    /// check.
+    template <class PtrT>
+    void inEveryMode(const PtrT &obj, const std::function<void(const std::vector<RGBA> &)> &check)
+    {
+        for(const Mode &m : Modes)
+        {
+            SCOPED_TRACE(m.name);
+            setMode(obj, m.fillGeo, m.dlistCache);
+            check(shot());
+        }
     }
 
     static RGBA px(const std::vector<RGBA> &img, UInt32 x, UInt32 y) { return img[y * Size + x]; }

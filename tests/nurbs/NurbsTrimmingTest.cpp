@@ -94,16 +94,12 @@ TEST_F(NurbsTrimmingFrame, HoleAndIslandFollowTheWindingRule)
     };
 
     NurbsSurfacePtr s = NurbsSurfacePtr::dcast(root->getChild(0)->getCore());
-    for(const Mode &m : Modes)
-    {
-        SCOPED_TRACE(m.name);
-        setMode(s, m.fillGeo, m.dlistCache);
-        std::vector<RGBA> img = shot();
+    inEveryMode(s, [&](const std::vector<RGBA> &img) {
         EXPECT_EQ(mismatches(img, Red, expect), 0u);
         EXPECT_EQ(px(img, 26, 26), Grey);
         EXPECT_EQ(px(img, 32, 32), Red);
         EXPECT_EQ(px(img, 20, 20), Red);
-    }
+    });
 }
 
 // A rational circle given as a NURBS trimming curve of homogeneous points
@@ -127,12 +123,9 @@ TEST_F(NurbsTrimmingFrame, RationalCircleCutsARoundHole)
         return d > 1.f ? 1 : d < -1.f ? 0 : -1;
     };
 
-    for(const Mode &m : Modes)
-    {
-        SCOPED_TRACE(m.name);
-        setMode(s, m.fillGeo, m.dlistCache);
-        EXPECT_EQ(mismatches(shot(), Red, expect), 0u);
-    }
+    inEveryMode(s, [&](const std::vector<RGBA> &img) {
+        EXPECT_EQ(mismatches(img, Red, expect), 0u);
+    });
 }
 
 // A counter-clockwise loop alone is the outer boundary: only the disc it

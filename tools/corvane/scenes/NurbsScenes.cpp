@@ -46,22 +46,39 @@ MaterialPtr unlit(const Color3f &c)
     return m;
 }
 
+/// A new property of class PropT holding values.
+template <class PropT, class ValueT>
+typename PropT::Ptr propertyOf(const std::vector<ValueT> &values)
+{
+    typename PropT::Ptr p = PropT::create();
+    beginEditCP(p);
+    for(const ValueT &v : values)
+        p->getField().push_back(v);
+    endEditCP(p);
+    return p;
+}
+
+/// A curve of these points: NURBS of order and knots, or with no knots
+/// a polyline; a trimming curve or a visible one.
+NurbsCurvePtr makeCurve(const GeoPositionsPtr &points, UInt32 order,
+                        const std::vector<Real32> &knots, bool trimming)
+{
+    NurbsCurvePtr c = NurbsCurve::create();
+    beginEditCP(c);
+    c->setControlPoint(points);
+    c->setControlCurve(trimming);
+    c->setPolyline(knots.empty());
+    c->setOrder(order);
+    for(Real32 k : knots)
+        c->getKnot().push_back(k);
+    endEditCP(c);
+    return c;
+}
+
 /// A closed polyline in the surface's parameter space.
 NurbsCurvePtr polylineTrim(const std::vector<Pnt2f> &points)
 {
-    GeoPositions2fPtr p = GeoPositions2f::create();
-    beginEditCP(p);
-    for(const Pnt2f &q : points)
-        p->getField().push_back(q);
-    endEditCP(p);
-
-    NurbsCurvePtr c = NurbsCurve::create();
-    beginEditCP(c);
-    c->setControlPoint(p);
-    c->setControlCurve(true);
-    c->setPolyline(true);
-    endEditCP(c);
-    return c;
+    return makeCurve(propertyOf<GeoPositions2f>(points), 2, {}, true);
 }
 
 /// The nine homogeneous points (and their knots) of a rational quadratic
@@ -86,22 +103,7 @@ NurbsCurvePtr ellipseHole(Real32 cs, Real32 ct, Real32 rs, Real32 rt)
     circleNet(pts, knots, [=](Real32 x, Real32 y, Real32 w) {
         return Pnt3f((cs + rs * x) * w, (ct - rt * y) * w, w);
     });
-
-    GeoPositions3fPtr p = GeoPositions3f::create();
-    beginEditCP(p);
-    for(const Pnt3f &q : pts)
-        p->getField().push_back(q);
-    endEditCP(p);
-
-    NurbsCurvePtr c = NurbsCurve::create();
-    beginEditCP(c);
-    c->setControlPoint(p);
-    c->setControlCurve(true);
-    c->setOrder(3);
-    for(Real32 k : knots)
-        c->getKnot().push_back(k);
-    endEditCP(c);
-    return c;
+    return makeCurve(propertyOf<GeoPositions3f>(pts), 3, knots, true);
 }
 
 NurbsTrimmingLoopPtr loopOf(const NurbsCurvePtr &curve)
@@ -116,25 +118,21 @@ NurbsTrimmingLoopPtr loopOf(const NurbsCurvePtr &curve)
 /// A sail: a clamped bicubic B-spline sheet of 5 x 5 points that billows
 /// towards the viewer, textured with a checker, with a round hole (a
 /// rational NURBS trimming curve) and a five-pointed star (a polyline)
-/// left standing in the hole. u runs up and v to the
-/// right, so the sheet faces +z; trimming curves are given in (v, u).
+/// left standing in the hole. u runs up and v to the right, so the sheet
+/// faces +z; trimming curves are given in (v, u).
 NurbsSurfacePtr makeSail(Holder &h, std::vector<NodeCorePtr> &trims)
 {
-    GeoPositions3fPtr  pts = GeoPositions3f::create();
-    GeoTexCoords2fPtr  tcs = GeoTexCoords2f::create();
-    beginEditCP(pts);
-    beginEditCP(tcs);
+    std::vector<Pnt3f> pts;
+    std::vector<Vec2f> tcs;
     for(int j = 0; j < 5; ++j)
         for(int i = 0; i < 5; ++i)
         {
             Real32 v = SailGreville[j], u = SailGreville[i];
             Real32 billow = 1.6f * std::sin(3.1416f * v) * (0.5f + 0.5f * std::sin(3.1416f * u));
-            pts->getField().push_back(Pnt3f(-2.2f + 4.4f * v, -1.6f + 3.2f * u + 0.35f * billow,
-                                            billow - 0.5f * u));
-            tcs->getField().push_back(Vec2f(2.f * v, 1.5f * u));
+            pts.push_back(Pnt3f(-2.2f + 4.4f * v, -1.6f + 3.2f * u + 0.35f * billow,
+                                billow - 0.5f * u));
+            tcs.push_back(Vec2f(2.f * v, 1.5f * u));
         }
-    endEditCP(tcs);
-    endEditCP(pts);
 
     // an outer loop around the domain, counter-clockwise in (v, u)
     NurbsCurvePtr outer = polylineTrim({Pnt2f(0, 0), Pnt2f(1, 0), Pnt2f(1, 1), Pnt2f(0, 1),
@@ -157,8 +155,8 @@ NurbsSurfacePtr makeSail(Holder &h, std::vector<NodeCorePtr> &trims)
 
     NurbsSurfacePtr sail = NurbsSurface::create();
     beginEditCP(sail);
-    sail->setControlPoint(pts);
-    sail->setControlTexCoord(tcs);
+    sail->setControlPoint(propertyOf<GeoPositions3f>(pts));
+    sail->setControlTexCoord(propertyOf<GeoTexCoords2f>(tcs));
     sail->setUDim(5);
     sail->setVDim(5);
     sail->setUOrder(4);
@@ -190,17 +188,8 @@ NurbsCurvePtr makeRing(void)
     circleNet(pts, knots, [](Real32 x, Real32 y, Real32 w) {
         return Pnt4f(1.05f * x * w, (0.05f + 1.05f * y) * w, 1.6f * w, w);
     });
-    GeoPositions4fPtr p = GeoPositions4f::create();
-    beginEditCP(p);
-    for(const Pnt4f &q : pts)
-        p->getField().push_back(q);
-    endEditCP(p);
-
-    NurbsCurvePtr ring = NurbsCurve::create();
+    NurbsCurvePtr ring = makeCurve(propertyOf<GeoPositions4f>(pts), 3, knots, false);
     beginEditCP(ring);
-    ring->setControlPoint(p);
-    for(Real32 k : knots)
-        ring->getKnot().push_back(k);
     ring->setTessellation(64);
     ring->setMaterial(unlit(Color3f(1.f, 0.9f, 0.2f)));
     endEditCP(ring);
@@ -209,21 +198,13 @@ NurbsCurvePtr makeRing(void)
 
 NurbsCurvePtr makeSwing(void)
 {
-    const Pnt3f pts[] = {Pnt3f(-2.8f, -1.9f, 0.4f), Pnt3f(-1.5f, 2.6f, 1.2f),
-                         Pnt3f(0.f, -2.4f, 2.2f),  Pnt3f(1.5f, 2.6f, 1.2f),
-                         Pnt3f(2.8f, -1.9f, 0.4f)};
-    GeoPositions3fPtr p = GeoPositions3f::create();
-    beginEditCP(p);
-    for(const Pnt3f &q : pts)
-        p->getField().push_back(q);
-    endEditCP(p);
-
-    NurbsCurvePtr swing = NurbsCurve::create();
+    const std::vector<Pnt3f> pts = {Pnt3f(-2.8f, -1.9f, 0.4f), Pnt3f(-1.5f, 2.6f, 1.2f),
+                                    Pnt3f(0.f, -2.4f, 2.2f), Pnt3f(1.5f, 2.6f, 1.2f),
+                                    Pnt3f(2.8f, -1.9f, 0.4f)};
+    NurbsCurvePtr swing = makeCurve(propertyOf<GeoPositions3f>(pts), 4,
+                                    std::vector<Real32>(std::begin(SailKnots), std::end(SailKnots)),
+                                    false);
     beginEditCP(swing);
-    swing->setControlPoint(p);
-    swing->setOrder(4);
-    for(Real32 k : SailKnots)
-        swing->getKnot().push_back(k);
     swing->setTessellation(96);
     swing->setMaterial(unlit(Color3f(0.3f, 0.9f, 1.f)));
     endEditCP(swing);
