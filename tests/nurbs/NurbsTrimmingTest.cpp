@@ -30,6 +30,15 @@ int inSquare(Real32 x, Real32 y, Real32 a, Real32 b)
     return d > 0.5f ? 1 : d < -0.5f ? 0 : -1;
 }
 
+/// What the square with the hole [0.25, 0.75]^2 covers, as inSquare says.
+int squareWithHole(Real32 x, Real32 y)
+{
+    int square = inSquare(x, y, 0, 1), hole = inSquare(x, y, 0.25f, 0.75f);
+    if(square < 0 || hole < 0)
+        return -1;
+    return square == 1 && hole == 0 ? 1 : 0;
+}
+
 /// The rational quadratic circle of radius r around (c, c) in parameter
 /// space, as 9 homogeneous points (s w, t w, w), clockwise or not.
 NurbsCurvePtr circle(Real32 c, Real32 r, bool counterClockwise)
@@ -179,13 +188,20 @@ TEST_F(NurbsTrimmingFrame, ContoursOfSeveralPiecesAndForeignEntries)
     s->getTrimmingLoop().push_back(group);
     endEditCP(s, NurbsSurface::TrimmingLoopFieldMask);
 
-    auto expect = [](Real32 x, Real32 y) -> int {
-        int square = inSquare(x, y, 0, 1), hole = inSquare(x, y, 0.25f, 0.75f);
-        if(square < 0 || hole < 0)
-            return -1;
-        return square == 1 && hole == 0 ? 1 : 0;
-    };
-    EXPECT_EQ(mismatches(shot(), Red, expect), 0u);
+    EXPECT_EQ(mismatches(shot(), Red, squareWithHole), 0u);
+}
+
+// Trimming points of four components go to GLU as two-component points
+// four floats apart: the last two are not looked at.
+TEST_F(NurbsTrimmingFrame, FourComponentTrimmingPointsAreTwoDimensional)
+{
+    std::vector<Pnt4f> hole;
+    for(const Pnt2f &p : {Pnt2f(0.25f, 0.25f), Pnt2f(0.25f, 0.75f), Pnt2f(0.75f, 0.75f),
+                          Pnt2f(0.75f, 0.25f), Pnt2f(0.25f, 0.25f)})
+        hole.push_back(Pnt4f(p[0], p[1], 7.f, -3.f));
+    trimmedSquare({{outer()}, {trimPolyline(property<GeoPositions4f>(hole))}});
+
+    EXPECT_EQ(mismatches(shot(), Red, squareWithHole), 0u);
 }
 
 // An empty loop gives GLU a trim with no curve, which it reports; a piece
