@@ -1,10 +1,21 @@
 /// The curves of one closed trimming contour of a NURBS surface.
+///
+/// A node core only so that it is stored and shared like other cores: it
+/// registers no action handlers and draws nothing. A NurbsSurface lists it
+/// in trimmingLoop and calls trim between gluBeginTrim and gluEndTrim; GLU
+/// closes and checks the contour. Neither the loop nor the surface counts
+/// references on what it lists: the holder of the scene keeps the curves
+/// and loops alive.
 #ifndef _OSGNURBSTRIMMINGLOOP_H_
 #define _OSGNURBSTRIMMINGLOOP_H_
 
 #include <OpenSG/OSGNurbsTrimmingLoopBase.h>
+#include <OpenSG/OSGAction.h>
+#include <OpenSG/OSGGLU.h>
 
 OSG_BEGIN_NAMESPACE
+
+class DrawActionBase;
 
 class NurbsTrimmingLoop : public NurbsTrimmingLoopBase
 {
@@ -14,6 +25,11 @@ class NurbsTrimmingLoop : public NurbsTrimmingLoopBase
   public:
     virtual void changed(BitVector whichField, UInt32 origin);
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
+
+    /// Hands each NurbsCurve of trimmingContour, in order, to renderer
+    /// through its own trim; other entries are passed over. Always
+    /// Action::Continue.
+    virtual Action::ResultE trim(DrawActionBase *action, GLUnurbs *renderer);
 
   protected:
     NurbsTrimmingLoop(void);

@@ -400,6 +400,13 @@ osgTypedFunctionVoidFunctor1CPtrRef(void (*pFunc)(CallArgT &))
 }
 
 template <class CallArgT, class Arg1T>
+inline TypedFunctor2Base<void, PtrCallArg<CallArgT>, ArgsCollector<Arg1T> >
+osgTypedFunctionVoidFunctor2Ptr(void (*pFunc)(CallArgT *, Arg1T))
+{
+    return TypedFunctor2Base<void, PtrCallArg<CallArgT>, ArgsCollector<Arg1T> >(pFunc);
+}
+
+template <class CallArgT, class Arg1T>
 inline TypedFunctor2Base<void, CPtrRefCallArg<CallArgT>, ArgsCollector<Arg1T> >
 osgTypedFunctionVoidFunctor2CPtrRef(void (*pFunc)(CallArgT &, Arg1T))
 {
