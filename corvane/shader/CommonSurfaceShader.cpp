@@ -15,6 +15,10 @@ const char *ProgramPrefix = "#version 120\n";
 // The material's texture coordinate sets go through as gl_TexCoord[n], the
 // fog coordinate is the eye-space depth.
 const char *VertexProgram = R"(
+#ifndef CSS_TEXCOORD_SETS
+#define CSS_TEXCOORD_SETS 0
+#endif
+
 varying vec3 cssEyePosition;
 varying vec3 cssEyeNormal;
 
@@ -52,12 +56,38 @@ void main()
 }
 )";
 
+// A family without texture has no defines; one with a texture has
+// CSS_<FAMILY>_TEXTURE (the unit), _TEXCOORD (the set), _CHANNELS (the
+// swizzle) and _TRANSFORM (0 or 1); the normal family adds
+// CSS_NORMAL_FORMAT and CSS_NORMAL_SPACE.
 // cssFactors: [0] emissive, alpha; [1] ambient, shininess; [2] diffuse;
 // [3] specular; [4] normal scale; [5] normal bias and, in w, a zero. The
 // branch on that zero keeps every texture and transform of the material
 // in every light permutation, so that all permutations of one material
 // share one set of uniforms.
 const char *FragmentProgram = R"(
+#ifndef CSS_EMISSIVE_TEXTURE
+#define CSS_EMISSIVE_TEXTURE -1
+#endif
+#ifndef CSS_AMBIENT_TEXTURE
+#define CSS_AMBIENT_TEXTURE -1
+#endif
+#ifndef CSS_DIFFUSE_TEXTURE
+#define CSS_DIFFUSE_TEXTURE -1
+#endif
+#ifndef CSS_SPECULAR_TEXTURE
+#define CSS_SPECULAR_TEXTURE -1
+#endif
+#ifndef CSS_SHININESS_TEXTURE
+#define CSS_SHININESS_TEXTURE -1
+#endif
+#ifndef CSS_ALPHA_TEXTURE
+#define CSS_ALPHA_TEXTURE -1
+#endif
+#ifndef CSS_NORMAL_TEXTURE
+#define CSS_NORMAL_TEXTURE -1
+#endif
+
 uniform vec4 cssFactors[6];
 
 varying vec3 cssEyePosition;
@@ -306,8 +336,9 @@ enum
     Normal
 };
 
-const UInt32 NumFamilies = 7;
-const UInt32 AlphaFamily = 5;
+const UInt32 NumFamilies  = 7;
+const UInt32 AlphaFamily  = 5;
+const UInt32 NormalFamily = 6;
 
 /// Whether a texture lookup's .mask gives what the family converts: vec3()
 /// takes one, three or four channels, vec2() two or more, float() any.
@@ -322,15 +353,14 @@ bool validMask(const std::string &mask, Int32 kind, Int32 normalFormat)
     return true;
 }
 
-std::string lineOf(Int32 value)
+void addDefine(std::string &config, const std::string &name, const std::string &value)
 {
-    return std::to_string(value) + "\n";
+    config += "#define " + name + " " + value + "\n";
 }
 
-void setDefine(const PermutationSHLChunkPtr &chunk, const std::string &name,
-               const std::string &value)
+void addDefine(std::string &config, const std::string &name, Int32 value)
 {
-    chunk->setPermutationParameter(name.c_str(), value);
+    addDefine(config, name, std::to_string(value));
 }
 
 } // namespace
@@ -446,7 +476,11 @@ void CommonSurfaceShader::update(const CommonSurfaceShaderMaterialPtr &material,
     // any it lacks
     chunk->clearUniformParameters();
 
-    UInt32 coordinateSets = 0;
+    // the whole configuration goes into one permutation parameter: its
+    // value carries the define lines, so the key is put together in one
+    // piece at every activation
+    std::string config         = "1\n";
+    UInt32      coordinateSets = 0;
     for(UInt32 i = 0; i < NumFamilies; ++i)
     {
         Family           &f      = families[i];
@@ -460,7 +494,6 @@ void CommonSurfaceShader::update(const CommonSurfaceShaderMaterialPtr &material,
             f.textureId = -1;
         }
 
-        bool transformed = false;
         if(f.textureId >= 0)
         {
             if(f.coordinates < 0 || f.coordinates > 7)
@@ -477,7 +510,7 @@ void CommonSurfaceShader::update(const CommonSurfaceShaderMaterialPtr &material,
                           f.uniform, f.mask.c_str(), f.defaultMask));
                 f.mask = f.defaultMask;
             }
-            transformed = i < enabled.size() && enabled[i] != 0;
+            const bool transformed = i < enabled.size() && enabled[i] != 0;
             coordinateSets |= 1u << f.coordinates;
 
             chunk->setUniformParameter(("css" + std::string(f.uniform) + "Texture").c_str(),
@@ -485,22 +518,23 @@ void CommonSurfaceShader::update(const CommonSurfaceShaderMaterialPtr &material,
             if(transformed)
                 chunk->setUniformParameter(
                     ("css" + std::string(f.uniform) + "Transform").c_str(), *f.transform);
-        }
-        else
-        {
-            // an untextured family compiles the same whatever its other fields say
-            f.coordinates = 0;
-            f.mask        = f.defaultMask;
-        }
 
-        setDefine(chunk, prefix + "_TEXTURE", lineOf(f.textureId));
-        setDefine(chunk, prefix + "_TEXCOORD", lineOf(f.coordinates));
-        setDefine(chunk, prefix + "_CHANNELS", f.mask + "\n");
-        setDefine(chunk, prefix + "_TRANSFORM", lineOf(transformed ? 1 : 0));
+            // an untextured family needs no define: it compiles the same
+            // whatever its other fields say
+            addDefine(config, prefix + "_TEXTURE", f.textureId);
+            addDefine(config, prefix + "_TEXCOORD", f.coordinates);
+            addDefine(config, prefix + "_CHANNELS", f.mask);
+            addDefine(config, prefix + "_TRANSFORM", transformed ? 1 : 0);
+        }
     }
-    setDefine(chunk, "CSS_NORMAL_FORMAT", lineOf(normalFormat));
-    setDefine(chunk, "CSS_NORMAL_SPACE", lineOf(normalSpace));
-    setDefine(chunk, "CSS_TEXCOORD_SETS", lineOf(Int32(coordinateSets)));
+    if(families[NormalFamily].textureId >= 0)
+    {
+        addDefine(config, "CSS_NORMAL_FORMAT", normalFormat);
+        addDefine(config, "CSS_NORMAL_SPACE", normalSpace);
+    }
+    if(coordinateSets != 0)
+        addDefine(config, "CSS_TEXCOORD_SETS", Int32(coordinateSets));
+    chunk->setPermutationParameter("CSS_CONFIGURATION", config);
 
     MFVec4f factors;
     const Vec3f &emissive = m->getEmissiveFactor(), &ambient = m->getAmbientFactor();

@@ -73,7 +73,8 @@ PermutationSHLChunk::PermutationSHLChunk(void)
       _permutationCache(),
       _activePermutation(NullFC),
       _parametersChanged(false),
-      _osgParameterCache()
+      _osgParameterCache(),
+      _key()
 {
 }
 
@@ -83,7 +84,8 @@ PermutationSHLChunk::PermutationSHLChunk(const PermutationSHLChunk &source)
       _permutationCache(),
       _activePermutation(NullFC),
       _parametersChanged(false),
-      _osgParameterCache()
+      _osgParameterCache(),
+      _key()
 {
 }
 
@@ -157,16 +159,16 @@ void PermutationSHLChunk::activate(DrawActionBase *action, UInt32)
     if(_permutationCache.size() > MaxPermutations)
         clearPermutationCache();
 
-    std::stringstream stream;
-    appendOSGPermutationParameters(stream, action);
-    appendPermutationParameters(stream);
+    // the key is built in a buffer kept from one activation to the next
+    _key.clear();
+    appendOSGPermutationParameters(_key, action);
+    appendPermutationParameters(_key);
 
-    const std::string key         = stream.str();
-    SHLChunkPtr       permutation = findPermutation(key);
-    bool              created     = false;
+    SHLChunkPtr permutation = findPermutation(_key);
+    bool        created     = false;
     if(permutation == NullFC)
     {
-        permutation = createPermutation(key);
+        permutation = createPermutation(_key);
         created     = true;
     }
 
@@ -323,7 +325,21 @@ SHLChunkPtr PermutationSHLChunk::createPermutation(const std::string &key)
 }
 
 void PermutationSHLChunk::appendOSGPermutationParameters(std::stringstream &out,
-                                                         DrawActionBase *action)
+                                                         DrawActionBase    *action)
+{
+    std::string text;
+    appendOSGPermutationParameters(text, action);
+    out << text;
+}
+
+void PermutationSHLChunk::appendPermutationParameters(std::stringstream &out)
+{
+    std::string text;
+    appendPermutationParameters(text);
+    out << text;
+}
+
+void PermutationSHLChunk::appendOSGPermutationParameters(std::string &out, DrawActionBase *action)
 {
     const Int32   eye    = stereoEye(action);
     const Int32   fog    = fogMode();
@@ -339,7 +355,7 @@ void PermutationSHLChunk::appendOSGPermutationParameters(std::stringstream &out,
     {
         if(_osgParameterCache[i].first == stateKey)
         {
-            out << _osgParameterCache[i].second;
+            out += _osgParameterCache[i].second;
             return;
         }
     }
@@ -349,7 +365,7 @@ void PermutationSHLChunk::appendOSGPermutationParameters(std::stringstream &out,
     UInt32      count = 0;
     for(UInt32 i = 0; i < 8; ++i)
     {
-        const UInt32 on   = (mask >> i) & 1u;
+        const UInt32      on   = (mask >> i) & 1u;
         const std::string name = "OSG_LIGHT_" + std::to_string(i) + "_ACTIVE";
         define(block, name.c_str(), on ? "1" : "0");
         count += on;
@@ -360,16 +376,16 @@ void PermutationSHLChunk::appendOSGPermutationParameters(std::stringstream &out,
     define(block, "OSG_FOG", std::to_string(fog));
 
     _osgParameterCache.push_back(OSGParameterCache::value_type(stateKey, block));
-    out << block;
+    out += block;
 }
 
-void PermutationSHLChunk::appendPermutationParameters(std::stringstream &out)
+void PermutationSHLChunk::appendPermutationParameters(std::string &out)
 {
     const MFShaderParameterPtr &params = getPermutationParameters();
     for(UInt32 i = 0; i < params.size(); ++i)
     {
-        const ShaderParameterPtr &parameter = params[i];
-        if(parameter == NullFC)
+        ShaderParameter *parameter = params[i].getCPtr();
+        if(parameter == NULL)
         {
             FWARNING(("PermutationSHLChunk::appendPermutationParameters :PermutationParameter "
                       "%u is NullFC, skipped!\n",
@@ -377,27 +393,30 @@ void PermutationSHLChunk::appendPermutationParameters(std::stringstream &out)
             continue;
         }
 
-        std::string value;
+        out += "#define ";
+        out += parameter->getName();
+        out += ' ';
 
-        ShaderParameterBoolPtr   boolParameter;
-        ShaderParameterIntPtr    intParameter;
-        ShaderParameterStringPtr stringParameter;
-        if((boolParameter = ShaderParameterBoolPtr::dcast(parameter)) != NullFC)
-            value = boolParameter->getValue() ? "1" : "0";
-        else if((intParameter = ShaderParameterIntPtr::dcast(parameter)) != NullFC)
-            value = std::to_string(intParameter->getValue());
-        else if((stringParameter = ShaderParameterStringPtr::dcast(parameter)) != NullFC)
-            value = stringParameter->getValue();
-        else
+        // the type id tells the class, without a cast to try
+        switch(parameter->getTypeId())
         {
-            value = "<UnknownType>";
-            FWARNING(("PermutationSHLChunk::appendPermutationParameters :PermutationParameter "
-                      "%s has unknown type!\n",
-                      parameter->getName().c_str()));
+            case ShaderParameter::SHPTypeBool:
+                out += static_cast<ShaderParameterBool *>(parameter)->getValue() ? '1' : '0';
+                break;
+            case ShaderParameter::SHPTypeInt:
+                out += std::to_string(static_cast<ShaderParameterInt *>(parameter)->getValue());
+                break;
+            case ShaderParameter::SHPTypeString:
+                out += static_cast<ShaderParameterString *>(parameter)->getValue();
+                break;
+            default:
+                out += "<UnknownType>";
+                FWARNING(("PermutationSHLChunk::appendPermutationParameters :PermutationParameter "
+                          "%s has unknown type!\n",
+                          parameter->getName().c_str()));
+                break;
         }
-
         // no line break: the next define follows on the same line
-        out << "#define " << parameter->getName() << ' ' << value;
     }
 }
 

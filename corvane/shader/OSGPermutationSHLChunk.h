@@ -118,11 +118,15 @@ class PermutationSHLChunk : public PermutationSHLChunkBase
 
     static void initMethod(void);
 
+    void appendOSGPermutationParameters(std::string &out, DrawActionBase *action);
+    void appendPermutationParameters(std::string &out);
+
     ShaderParameterAccess *_permutationParameterAccess;
     PermutationCache       _permutationCache;
     SHLChunkPtr            _activePermutation;
     bool                   _parametersChanged;
     OSGParameterCache      _osgParameterCache;
+    std::string            _key; ///< the key of the last activation
 
     void operator=(const PermutationSHLChunk &source);
 };
