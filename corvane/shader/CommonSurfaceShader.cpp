@@ -12,9 +12,9 @@ namespace
 
 const char *ProgramPrefix = "#version 120\n";
 
-// The material's texture coordinate sets go through as gl_TexCoord[n], the
-// fog coordinate is the eye-space depth.
-const char *VertexProgram = R"(
+// The vertex program passes the texture coordinate sets the families use
+// on as gl_TexCoord[n]; the fog coordinate is the eye-space depth.
+const char *VertexHead = R"(
 #ifndef CSS_TEXCOORD_SETS
 #define CSS_TEXCOORD_SETS 0
 #endif
@@ -24,70 +24,30 @@ varying vec3 cssEyeNormal;
 
 void main()
 {
-    vec4 eye       = gl_ModelViewMatrix * gl_Vertex;
-    cssEyePosition = eye.xyz;
-    cssEyeNormal   = gl_NormalMatrix * gl_Normal;
+    vec4 eye        = gl_ModelViewMatrix * gl_Vertex;
+    cssEyePosition  = eye.xyz;
+    cssEyeNormal    = gl_NormalMatrix * gl_Normal;
     gl_FogFragCoord = abs(eye.z);
-#if (CSS_TEXCOORD_SETS & 1) != 0
-    gl_TexCoord[0] = gl_MultiTexCoord0;
+    gl_Position     = ftransform();
+)";
+
+// One set (% is its number, ^ its bit).
+const char *VertexTexCoord = R"(#if (CSS_TEXCOORD_SETS & ^) != 0
+    gl_TexCoord[%] = gl_MultiTexCoord%;
 #endif
-#if (CSS_TEXCOORD_SETS & 2) != 0
-    gl_TexCoord[1] = gl_MultiTexCoord1;
-#endif
-#if (CSS_TEXCOORD_SETS & 4) != 0
-    gl_TexCoord[2] = gl_MultiTexCoord2;
-#endif
-#if (CSS_TEXCOORD_SETS & 8) != 0
-    gl_TexCoord[3] = gl_MultiTexCoord3;
-#endif
-#if (CSS_TEXCOORD_SETS & 16) != 0
-    gl_TexCoord[4] = gl_MultiTexCoord4;
-#endif
-#if (CSS_TEXCOORD_SETS & 32) != 0
-    gl_TexCoord[5] = gl_MultiTexCoord5;
-#endif
-#if (CSS_TEXCOORD_SETS & 64) != 0
-    gl_TexCoord[6] = gl_MultiTexCoord6;
-#endif
-#if (CSS_TEXCOORD_SETS & 128) != 0
-    gl_TexCoord[7] = gl_MultiTexCoord7;
-#endif
-    gl_Position = ftransform();
-}
 )";
 
 // A family without texture has no defines; one with a texture has
 // CSS_<FAMILY>_TEXTURE (the unit), _TEXCOORD (the set), _CHANNELS (the
 // swizzle) and _TRANSFORM (0 or 1); the normal family adds
 // CSS_NORMAL_FORMAT and CSS_NORMAL_SPACE.
+//
 // cssFactors: [0] emissive, alpha; [1] ambient, shininess; [2] diffuse;
 // [3] specular; [4] normal scale; [5] normal bias and, in w, a zero. The
 // branch on that zero keeps every texture and transform of the material
 // in every light permutation, so that all permutations of one material
 // share one set of uniforms.
-const char *FragmentProgram = R"(
-#ifndef CSS_EMISSIVE_TEXTURE
-#define CSS_EMISSIVE_TEXTURE -1
-#endif
-#ifndef CSS_AMBIENT_TEXTURE
-#define CSS_AMBIENT_TEXTURE -1
-#endif
-#ifndef CSS_DIFFUSE_TEXTURE
-#define CSS_DIFFUSE_TEXTURE -1
-#endif
-#ifndef CSS_SPECULAR_TEXTURE
-#define CSS_SPECULAR_TEXTURE -1
-#endif
-#ifndef CSS_SHININESS_TEXTURE
-#define CSS_SHININESS_TEXTURE -1
-#endif
-#ifndef CSS_ALPHA_TEXTURE
-#define CSS_ALPHA_TEXTURE -1
-#endif
-#ifndef CSS_NORMAL_TEXTURE
-#define CSS_NORMAL_TEXTURE -1
-#endif
-
+const char *FragmentHead = R"(
 uniform vec4 cssFactors[6];
 
 varying vec3 cssEyePosition;
@@ -95,87 +55,38 @@ varying vec3 cssEyeNormal;
 
 #define CSS_UV(SET) gl_TexCoord[SET].st
 #define CSS_UVT(SET, M) (M * vec4(gl_TexCoord[SET].st, 0.0, 1.0)).st
+)";
 
-#if CSS_EMISSIVE_TEXTURE >= 0
-uniform sampler2D cssEmissiveTexture;
-#if CSS_EMISSIVE_TRANSFORM
-uniform mat4 cssEmissiveTransform;
-#define CSS_EMISSIVE_UV CSS_UVT(CSS_EMISSIVE_TEXCOORD, cssEmissiveTransform)
+// One family (@ its define name, $ its uniform name): CSS_@_TEXEL(T) is
+// its texel's channels converted to T, or T(1.0) without a texture.
+const char *FragmentFamily = R"(
+#ifndef CSS_@_TEXTURE
+#define CSS_@_TEXTURE -1
+#endif
+#if CSS_@_TEXTURE >= 0
+uniform sampler2D css$Texture;
+#if CSS_@_TRANSFORM
+uniform mat4 css$Transform;
+#define CSS_@_UV CSS_UVT(CSS_@_TEXCOORD, css$Transform)
 #else
-#define CSS_EMISSIVE_UV CSS_UV(CSS_EMISSIVE_TEXCOORD)
+#define CSS_@_UV CSS_UV(CSS_@_TEXCOORD)
 #endif
-#endif
-
-#if CSS_AMBIENT_TEXTURE >= 0
-uniform sampler2D cssAmbientTexture;
-#if CSS_AMBIENT_TRANSFORM
-uniform mat4 cssAmbientTransform;
-#define CSS_AMBIENT_UV CSS_UVT(CSS_AMBIENT_TEXCOORD, cssAmbientTransform)
+#define CSS_@_TEXEL(T) T(texture2D(css$Texture, CSS_@_UV).CSS_@_CHANNELS)
 #else
-#define CSS_AMBIENT_UV CSS_UV(CSS_AMBIENT_TEXCOORD)
+#define CSS_@_TEXEL(T) T(1.0)
 #endif
-#endif
+)";
 
-#if CSS_DIFFUSE_TEXTURE >= 0
-uniform sampler2D cssDiffuseTexture;
-#if CSS_DIFFUSE_TRANSFORM
-uniform mat4 cssDiffuseTransform;
-#define CSS_DIFFUSE_UV CSS_UVT(CSS_DIFFUSE_TEXCOORD, cssDiffuseTransform)
-#else
-#define CSS_DIFFUSE_UV CSS_UV(CSS_DIFFUSE_TEXCOORD)
-#endif
-#endif
-
-#if CSS_SPECULAR_TEXTURE >= 0
-uniform sampler2D cssSpecularTexture;
-#if CSS_SPECULAR_TRANSFORM
-uniform mat4 cssSpecularTransform;
-#define CSS_SPECULAR_UV CSS_UVT(CSS_SPECULAR_TEXCOORD, cssSpecularTransform)
-#else
-#define CSS_SPECULAR_UV CSS_UV(CSS_SPECULAR_TEXCOORD)
-#endif
-#endif
-
-#if CSS_SHININESS_TEXTURE >= 0
-uniform sampler2D cssShininessTexture;
-#if CSS_SHININESS_TRANSFORM
-uniform mat4 cssShininessTransform;
-#define CSS_SHININESS_UV CSS_UVT(CSS_SHININESS_TEXCOORD, cssShininessTransform)
-#else
-#define CSS_SHININESS_UV CSS_UV(CSS_SHININESS_TEXCOORD)
-#endif
-#endif
-
-#if CSS_ALPHA_TEXTURE >= 0
-uniform sampler2D cssAlphaTexture;
-#if CSS_ALPHA_TRANSFORM
-uniform mat4 cssAlphaTransform;
-#define CSS_ALPHA_UV CSS_UVT(CSS_ALPHA_TEXCOORD, cssAlphaTransform)
-#else
-#define CSS_ALPHA_UV CSS_UV(CSS_ALPHA_TEXCOORD)
-#endif
-#endif
-
-#if CSS_NORMAL_TEXTURE >= 0
-uniform sampler2D cssNormalTexture;
-#if CSS_NORMAL_TRANSFORM
-uniform mat4 cssNormalTransform;
-#define CSS_NORMAL_UV CSS_UVT(CSS_NORMAL_TEXCOORD, cssNormalTransform)
-#else
-#define CSS_NORMAL_UV CSS_UV(CSS_NORMAL_TEXCOORD)
-#endif
-#endif
-
+const char *FragmentFunctions = R"(
 vec3 cssNormal(void)
 {
     vec3 n = normalize(cssEyeNormal);
 #if CSS_NORMAL_TEXTURE >= 0
-    vec4 texel = texture2D(cssNormalTexture, CSS_NORMAL_UV);
 #if CSS_NORMAL_FORMAT == 1
-    vec2 xy = vec2(texel.CSS_NORMAL_CHANNELS) * cssFactors[4].xy + cssFactors[5].xy;
+    vec2 xy = CSS_NORMAL_TEXEL(vec2) * cssFactors[4].xy + cssFactors[5].xy;
     vec3 m  = vec3(xy, sqrt(max(1.0 - dot(xy, xy), 0.0)));
 #else
-    vec3 m = vec3(texel.CSS_NORMAL_CHANNELS) * cssFactors[4].xyz + cssFactors[5].xyz;
+    vec3 m = CSS_NORMAL_TEXEL(vec3) * cssFactors[4].xyz + cssFactors[5].xyz;
 #endif
 #if CSS_NORMAL_SPACE == 1
     n = normalize(gl_NormalMatrix * m);
@@ -235,31 +146,12 @@ void cssLight(int i, vec3 n, vec3 v, float exponent,
 
 void main(void)
 {
-    vec3  emissive  = cssFactors[0].rgb;
-    float alpha     = cssFactors[0].a;
-    vec3  ambient   = cssFactors[1].rgb;
-    float shininess = cssFactors[1].a;
-    vec3  diffuse   = cssFactors[2].rgb;
-    vec3  specular  = cssFactors[3].rgb;
-
-#if CSS_EMISSIVE_TEXTURE >= 0
-    emissive *= vec3(texture2D(cssEmissiveTexture, CSS_EMISSIVE_UV).CSS_EMISSIVE_CHANNELS);
-#endif
-#if CSS_AMBIENT_TEXTURE >= 0
-    ambient *= vec3(texture2D(cssAmbientTexture, CSS_AMBIENT_UV).CSS_AMBIENT_CHANNELS);
-#endif
-#if CSS_DIFFUSE_TEXTURE >= 0
-    diffuse *= vec3(texture2D(cssDiffuseTexture, CSS_DIFFUSE_UV).CSS_DIFFUSE_CHANNELS);
-#endif
-#if CSS_SPECULAR_TEXTURE >= 0
-    specular *= vec3(texture2D(cssSpecularTexture, CSS_SPECULAR_UV).CSS_SPECULAR_CHANNELS);
-#endif
-#if CSS_SHININESS_TEXTURE >= 0
-    shininess *= float(texture2D(cssShininessTexture, CSS_SHININESS_UV).CSS_SHININESS_CHANNELS);
-#endif
-#if CSS_ALPHA_TEXTURE >= 0
-    alpha *= float(texture2D(cssAlphaTexture, CSS_ALPHA_UV).CSS_ALPHA_CHANNELS);
-#endif
+    vec3  emissive  = cssFactors[0].rgb * CSS_EMISSIVE_TEXEL(vec3);
+    float alpha     = cssFactors[0].a * CSS_ALPHA_TEXEL(float);
+    vec3  ambient   = cssFactors[1].rgb * CSS_AMBIENT_TEXEL(vec3);
+    float shininess = cssFactors[1].a * CSS_SHININESS_TEXEL(float);
+    vec3  diffuse   = cssFactors[2].rgb * CSS_DIFFUSE_TEXEL(vec3);
+    vec3  specular  = cssFactors[3].rgb * CSS_SPECULAR_TEXEL(vec3);
 
     vec3  n        = cssNormal();
     vec3  v        = normalize(-cssEyePosition);
@@ -268,31 +160,15 @@ void main(void)
     vec3 lightAmbient  = gl_LightModel.ambient.rgb;
     vec3 lightDiffuse  = vec3(0.0);
     vec3 lightSpecular = vec3(0.0);
-#if OSG_LIGHT_0_ACTIVE
-    cssLight(0, n, v, exponent, lightAmbient, lightDiffuse, lightSpecular);
-#endif
-#if OSG_LIGHT_1_ACTIVE
-    cssLight(1, n, v, exponent, lightAmbient, lightDiffuse, lightSpecular);
-#endif
-#if OSG_LIGHT_2_ACTIVE
-    cssLight(2, n, v, exponent, lightAmbient, lightDiffuse, lightSpecular);
-#endif
-#if OSG_LIGHT_3_ACTIVE
-    cssLight(3, n, v, exponent, lightAmbient, lightDiffuse, lightSpecular);
-#endif
-#if OSG_LIGHT_4_ACTIVE
-    cssLight(4, n, v, exponent, lightAmbient, lightDiffuse, lightSpecular);
-#endif
-#if OSG_LIGHT_5_ACTIVE
-    cssLight(5, n, v, exponent, lightAmbient, lightDiffuse, lightSpecular);
-#endif
-#if OSG_LIGHT_6_ACTIVE
-    cssLight(6, n, v, exponent, lightAmbient, lightDiffuse, lightSpecular);
-#endif
-#if OSG_LIGHT_7_ACTIVE
-    cssLight(7, n, v, exponent, lightAmbient, lightDiffuse, lightSpecular);
-#endif
+)";
 
+// One light (% is its number).
+const char *FragmentLight = R"(#if OSG_LIGHT_%_ACTIVE
+    cssLight(%, n, v, exponent, lightAmbient, lightDiffuse, lightSpecular);
+#endif
+)";
+
+const char *FragmentTail = R"(
     vec3 colour = emissive + ambient * lightAmbient + diffuse * lightDiffuse +
                   specular * lightSpecular;
 
@@ -316,19 +192,6 @@ void main(void)
 
 // --- the material's families ---------------------------------------------------------------
 
-/// What the program needs of one family.
-struct Family
-{
-    const char   *name;        ///< in the defines, e.g. "DIFFUSE"
-    const char   *uniform;     ///< in the uniforms, e.g. "Diffuse"
-    const char   *defaultMask; ///< the channel mask of a new material
-    Int32         kind;        ///< Colour, Scalar or Normal
-    Int32         textureId;
-    Int32         coordinates;
-    std::string   mask;
-    const Matrix *transform;
-};
-
 enum
 {
     Colour,
@@ -336,9 +199,71 @@ enum
     Normal
 };
 
+/// A family as the program knows it.
+struct Family
+{
+    const char *name;        ///< in the defines, e.g. "DIFFUSE"
+    const char *uniform;     ///< in the uniforms, e.g. "Diffuse"
+    const char *defaultMask; ///< the channel mask of a new material
+    Int32       kind;        ///< Colour, Scalar or Normal
+};
+
 const UInt32 NumFamilies  = 7;
 const UInt32 AlphaFamily  = 5;
 const UInt32 NormalFamily = 6;
+
+const Family Families[NumFamilies] = {
+    {"EMISSIVE", "Emissive", "rgb", Colour}, {"AMBIENT", "Ambient", "rgb", Colour},
+    {"DIFFUSE", "Diffuse", "rgb", Colour},   {"SPECULAR", "Specular", "rgb", Colour},
+    {"SHININESS", "Shininess", "a", Scalar}, {"ALPHA", "Alpha", "a", Scalar},
+    {"NORMAL", "Normal", "rgb", Normal}};
+
+/// What a material says of one family's texture.
+struct TextureUse
+{
+    Int32         textureId;
+    Int32         coordinates;
+    std::string   mask;
+    const Matrix *transform;
+};
+
+// --- the programs ------------------------------------------------------------------------------
+
+/// text with every mark replaced by by.
+std::string replaced(std::string text, char mark, const std::string &by)
+{
+    for(size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, at + by.size()))
+        text.replace(at, 1, by);
+    return text;
+}
+
+/// The block repeated for 0 to count - 1: % the number, ^ its bit.
+std::string repeated(const char *block, UInt32 count)
+{
+    std::string text;
+    for(UInt32 i = 0; i < count; ++i)
+        text += replaced(replaced(block, '%', std::to_string(i)), '^', std::to_string(1u << i));
+    return text;
+}
+
+const std::string &vertexProgram(void)
+{
+    static const std::string text = VertexHead + repeated(VertexTexCoord, 8) + "}\n";
+    return text;
+}
+
+const std::string &fragmentProgram(void)
+{
+    static const std::string text = []() {
+        std::string program = FragmentHead;
+        for(const Family &f : Families)
+            program += replaced(replaced(FragmentFamily, '@', f.name), '$', f.uniform);
+        return program + FragmentFunctions + repeated(FragmentLight, 8) + FragmentTail;
+    }();
+    return text;
+}
+
+// --- checks and defines -----------------------------------------------------------------------
 
 /// Whether a texture lookup's .mask gives what the family converts: vec3()
 /// takes one, three or four channels, vec2() two or more, float() any.
@@ -372,12 +297,12 @@ const char *CommonSurfaceShader::getProgramPrefix(void)
 
 const char *CommonSurfaceShader::getVertexProgram(void)
 {
-    return VertexProgram;
+    return vertexProgram().c_str();
 }
 
 const char *CommonSurfaceShader::getFragmentProgram(void)
 {
-    return FragmentProgram;
+    return fragmentProgram().c_str();
 }
 
 PermutationSHLChunkPtr CommonSurfaceShader::apply(const CommonSurfaceShaderMaterialPtr &material)
@@ -393,8 +318,8 @@ PermutationSHLChunkPtr CommonSurfaceShader::apply(const CommonSurfaceShaderMater
         beginEditCP(chunk);
         chunk->setVertexProgramPrefix(ProgramPrefix);
         chunk->setFragmentProgramPrefix(ProgramPrefix);
-        chunk->setVertexProgram(VertexProgram);
-        chunk->setFragmentProgram(FragmentProgram);
+        chunk->setVertexProgram(vertexProgram());
+        chunk->setFragmentProgram(fragmentProgram());
         endEditCP(chunk);
 
         beginEditCP(material, ChunkMaterial::ChunksFieldMask);
@@ -429,27 +354,22 @@ void CommonSurfaceShader::update(const CommonSurfaceShaderMaterialPtr &material,
 
     const CommonSurfaceShaderMaterialPtr &m = material;
 
-    Family families[NumFamilies] = {
-        {"EMISSIVE", "Emissive", "rgb", Colour, m->getEmissiveTextureId(),
-         m->getEmissiveTextureCoordinatesId(), m->getEmissiveTextureChannelMask(),
-         &m->getEmissiveTextureCoordinateTransform()},
-        {"AMBIENT", "Ambient", "rgb", Colour, m->getAmbientTextureId(),
-         m->getAmbientTextureCoordinatesId(), m->getAmbientTextureChannelMask(),
-         &m->getAmbientTextureCoordinateTransform()},
-        {"DIFFUSE", "Diffuse", "rgb", Colour, m->getDiffuseTextureId(),
-         m->getDiffuseTextureCoordinatesId(), m->getDiffuseTextureChannelMask(),
-         &m->getDiffuseTextureCoordinateTransform()},
-        {"SPECULAR", "Specular", "rgb", Colour, m->getSpecularTextureId(),
-         m->getSpecularTextureCoordinatesId(), m->getSpecularTextureChannelMask(),
-         &m->getSpecularTextureCoordinateTransform()},
-        {"SHININESS", "Shininess", "a", Scalar, m->getShininessTextureId(),
-         m->getShininessTextureCoordinatesId(), m->getShininessTextureChannelMask(),
-         &m->getShininessTextureCoordinateTransform()},
-        {"ALPHA", "Alpha", "a", Scalar, m->getAlphaTextureId(), m->getAlphaTextureCoordinatesId(),
+    // in the order of Families
+    TextureUse uses[NumFamilies] = {
+        {m->getEmissiveTextureId(), m->getEmissiveTextureCoordinatesId(),
+         m->getEmissiveTextureChannelMask(), &m->getEmissiveTextureCoordinateTransform()},
+        {m->getAmbientTextureId(), m->getAmbientTextureCoordinatesId(),
+         m->getAmbientTextureChannelMask(), &m->getAmbientTextureCoordinateTransform()},
+        {m->getDiffuseTextureId(), m->getDiffuseTextureCoordinatesId(),
+         m->getDiffuseTextureChannelMask(), &m->getDiffuseTextureCoordinateTransform()},
+        {m->getSpecularTextureId(), m->getSpecularTextureCoordinatesId(),
+         m->getSpecularTextureChannelMask(), &m->getSpecularTextureCoordinateTransform()},
+        {m->getShininessTextureId(), m->getShininessTextureCoordinatesId(),
+         m->getShininessTextureChannelMask(), &m->getShininessTextureCoordinateTransform()},
+        {m->getAlphaTextureId(), m->getAlphaTextureCoordinatesId(),
          m->getAlphaTextureChannelMask(), &m->getAlphaTextureCoordinateTransform()},
-        {"NORMAL", "Normal", "rgb", Normal, m->getNormalTextureId(),
-         m->getNormalTextureCoordinatesId(), m->getNormalTextureChannelMask(),
-         &m->getNormalTextureCoordinateTransform()},
+        {m->getNormalTextureId(), m->getNormalTextureCoordinatesId(),
+         m->getNormalTextureChannelMask(), &m->getNormalTextureCoordinateTransform()},
     };
 
     Int32 normalFormat = m->getNormalFormat();
@@ -483,51 +403,52 @@ void CommonSurfaceShader::update(const CommonSurfaceShaderMaterialPtr &material,
     UInt32      coordinateSets = 0;
     for(UInt32 i = 0; i < NumFamilies; ++i)
     {
-        Family           &f      = families[i];
+        const Family     &f      = Families[i];
+        TextureUse       &use    = uses[i];
         const std::string prefix = std::string("CSS_") + f.name;
 
-        if(f.textureId < -1 || f.textureId > 15)
+        if(use.textureId < -1 || use.textureId > 15)
         {
             FWARNING(("CommonSurfaceShader: %s texture id %d is no texture unit, the family "
                       "goes without texture\n",
-                      f.uniform, f.textureId));
-            f.textureId = -1;
+                      f.uniform, use.textureId));
+            use.textureId = -1;
         }
 
-        if(f.textureId >= 0)
+        if(use.textureId >= 0)
         {
-            if(f.coordinates < 0 || f.coordinates > 7)
+            if(use.coordinates < 0 || use.coordinates > 7)
             {
                 FWARNING(("CommonSurfaceShader: %s texture coordinates %d are no coordinate "
                           "set, 0 is used\n",
-                          f.uniform, f.coordinates));
-                f.coordinates = 0;
+                          f.uniform, use.coordinates));
+                use.coordinates = 0;
             }
-            if(!validMask(f.mask, f.kind, normalFormat))
+            if(!validMask(use.mask, f.kind, normalFormat))
             {
                 FWARNING(("CommonSurfaceShader: %s channel mask '%s' is not usable, '%s' is "
                           "used\n",
-                          f.uniform, f.mask.c_str(), f.defaultMask));
-                f.mask = f.defaultMask;
+                          f.uniform, use.mask.c_str(), f.defaultMask));
+                use.mask = f.defaultMask;
             }
             const bool transformed = i < enabled.size() && enabled[i] != 0;
-            coordinateSets |= 1u << f.coordinates;
+            coordinateSets |= 1u << use.coordinates;
 
             chunk->setUniformParameter(("css" + std::string(f.uniform) + "Texture").c_str(),
-                                       f.textureId);
+                                       use.textureId);
             if(transformed)
                 chunk->setUniformParameter(
-                    ("css" + std::string(f.uniform) + "Transform").c_str(), *f.transform);
+                    ("css" + std::string(f.uniform) + "Transform").c_str(), *use.transform);
 
             // an untextured family needs no define: it compiles the same
             // whatever its other fields say
-            addDefine(config, prefix + "_TEXTURE", f.textureId);
-            addDefine(config, prefix + "_TEXCOORD", f.coordinates);
-            addDefine(config, prefix + "_CHANNELS", f.mask);
+            addDefine(config, prefix + "_TEXTURE", use.textureId);
+            addDefine(config, prefix + "_TEXCOORD", use.coordinates);
+            addDefine(config, prefix + "_CHANNELS", use.mask);
             addDefine(config, prefix + "_TRANSFORM", transformed ? 1 : 0);
         }
     }
-    if(families[NormalFamily].textureId >= 0)
+    if(uses[NormalFamily].textureId >= 0)
     {
         addDefine(config, "CSS_NORMAL_FORMAT", normalFormat);
         addDefine(config, "CSS_NORMAL_SPACE", normalSpace);
@@ -548,7 +469,7 @@ void CommonSurfaceShader::update(const CommonSurfaceShaderMaterialPtr &material,
     factors.push_back(Vec4f(bias[0], bias[1], bias[2], 0.f));
     chunk->setUniformParameter("cssFactors", factors);
 
-    chunk->setIsTransparent(m->getAlphaFactor() < 1.f || families[AlphaFamily].textureId >= 0);
+    chunk->setIsTransparent(m->getAlphaFactor() < 1.f || uses[AlphaFamily].textureId >= 0);
 
     endEditCP(chunk, ShaderParameterChunk::ParametersFieldMask |
                          PermutationSHLChunk::PermutationParametersFieldMask |

@@ -8,11 +8,13 @@
 /// (or finds the one put there before) and copies the material's fields
 /// into it; call it again after changing the material. Texture ids are
 /// texture units 0 to 15, i.e. the slots of the material's TextureChunks;
-/// coordinate sets are 0 to 7. The factors and transforms become uniforms,
+/// coordinate sets are 0 to 7. The factors and transforms become uniforms;
 /// everything that shapes the program (texture ids, coordinate sets,
-/// channel masks, normal format and space, enabled transforms) becomes a
-/// permutation parameter, so each configuration compiles once per light
-/// set and fog mode.
+/// channel masks, normal format and space, enabled transforms) becomes
+/// define lines in the value of the one permutation parameter
+/// CSS_CONFIGURATION (a family with a texture: CSS_<FAMILY>_TEXTURE,
+/// _TEXCOORD, _CHANNELS and _TRANSFORM), so each configuration compiles
+/// once per light set and fog mode.
 ///
 /// The lighting, per active light i (directional, point or spot light as
 /// OpenGL describes them, with attenuation), with N the (mapped) normal,
@@ -54,8 +56,9 @@ class CommonSurfaceShader
     static const char *getFragmentProgram(void);
 
     /// The material's shader chunk, made and added to its chunks on the
-    /// first call, with the material's current fields. NullFC for a null
-    /// material.
+    /// first call, with the material's current fields. A see-through
+    /// material (see update) that has no BlendChunk gets one that blends
+    /// with the source alpha. NullFC for a null material.
     static osg::PermutationSHLChunkPtr apply(const osg::CommonSurfaceShaderMaterialPtr &material);
 
     /// Copies the material's fields into chunk: the permutation parameters,

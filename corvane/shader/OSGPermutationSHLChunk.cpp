@@ -57,6 +57,15 @@ Int32 fogMode(void)
     return 1;
 }
 
+/// Sets the uniform of parameter's name and value on target; the type id
+/// has told parameter's class.
+template <class ParameterT>
+void copyUniform(const SHLChunkPtr &target, ShaderParameter *parameter)
+{
+    target->setUniformParameter(parameter->getName().c_str(),
+                                static_cast<ParameterT *>(parameter)->getValue());
+}
+
 void define(std::string &out, const char *name, const std::string &value)
 {
     out += "#define ";
@@ -434,60 +443,47 @@ void PermutationSHLChunk::updateParameters(void)
             if(parameter == NullFC)
                 continue;
 
-            const char *name = parameter->getName().c_str();
+            ShaderParameter *p = parameter.getCPtr();
             switch(parameter->getTypeId())
             {
                 case ShaderParameter::SHPTypeBool:
-                    target->setUniformParameter(
-                        name, ShaderParameterBoolPtr::dcast(parameter)->getValue());
+                    copyUniform<ShaderParameterBool>(target, p);
                     break;
                 case ShaderParameter::SHPTypeInt:
-                    target->setUniformParameter(
-                        name, ShaderParameterIntPtr::dcast(parameter)->getValue());
+                    copyUniform<ShaderParameterInt>(target, p);
                     break;
                 case ShaderParameter::SHPTypeReal:
-                    target->setUniformParameter(
-                        name, ShaderParameterRealPtr::dcast(parameter)->getValue());
+                    copyUniform<ShaderParameterReal>(target, p);
                     break;
                 case ShaderParameter::SHPTypeVec2f:
-                    target->setUniformParameter(
-                        name, ShaderParameterVec2fPtr::dcast(parameter)->getValue());
+                    copyUniform<ShaderParameterVec2f>(target, p);
                     break;
                 case ShaderParameter::SHPTypeVec3f:
-                    target->setUniformParameter(
-                        name, ShaderParameterVec3fPtr::dcast(parameter)->getValue());
+                    copyUniform<ShaderParameterVec3f>(target, p);
                     break;
                 case ShaderParameter::SHPTypeVec4f:
-                    target->setUniformParameter(
-                        name, ShaderParameterVec4fPtr::dcast(parameter)->getValue());
+                    copyUniform<ShaderParameterVec4f>(target, p);
                     break;
                 case ShaderParameter::SHPTypeMatrix:
-                    target->setUniformParameter(
-                        name, ShaderParameterMatrixPtr::dcast(parameter)->getValue());
+                    copyUniform<ShaderParameterMatrix>(target, p);
                     break;
                 case ShaderParameter::SHPTypeMInt:
-                    target->setUniformParameter(
-                        name, *ShaderParameterMIntPtr::dcast(parameter)->getMFValue());
+                    copyUniform<ShaderParameterMInt>(target, p);
                     break;
                 case ShaderParameter::SHPTypeMReal:
-                    target->setUniformParameter(
-                        name, *ShaderParameterMRealPtr::dcast(parameter)->getMFValue());
+                    copyUniform<ShaderParameterMReal>(target, p);
                     break;
                 case ShaderParameter::SHPTypeMVec2f:
-                    target->setUniformParameter(
-                        name, *ShaderParameterMVec2fPtr::dcast(parameter)->getMFValue());
+                    copyUniform<ShaderParameterMVec2f>(target, p);
                     break;
                 case ShaderParameter::SHPTypeMVec3f:
-                    target->setUniformParameter(
-                        name, *ShaderParameterMVec3fPtr::dcast(parameter)->getMFValue());
+                    copyUniform<ShaderParameterMVec3f>(target, p);
                     break;
                 case ShaderParameter::SHPTypeMVec4f:
-                    target->setUniformParameter(
-                        name, *ShaderParameterMVec4fPtr::dcast(parameter)->getMFValue());
+                    copyUniform<ShaderParameterMVec4f>(target, p);
                     break;
                 case ShaderParameter::SHPTypeMMatrix:
-                    target->setUniformParameter(
-                        name, *ShaderParameterMMatrixPtr::dcast(parameter)->getMFValue());
+                    copyUniform<ShaderParameterMMatrix>(target, p);
                     break;
                 default:
                     break;
