@@ -113,23 +113,26 @@ class Bench
     CommonSurfaceShaderMaterialPtr _material;
 };
 
-bool skipWithoutContext(benchmark::State &state, const Bench *bench)
+/// The bench, or null (and the run skipped) without a GL context.
+std::unique_ptr<Bench> openBench(benchmark::State &state)
 {
-    if(!HeadlessGLContext::isAvailable() || (bench != NULL && !bench->ready()))
+    std::unique_ptr<Bench> bench;
+    if(HeadlessGLContext::isAvailable())
+        bench.reset(new Bench);
+    if(!bench || !bench->ready())
     {
         state.SkipWithError("no EGL context on this machine");
-        return true;
+        bench.reset();
     }
-    return false;
+    return bench;
 }
 
 void BM_Switch(benchmark::State &state)
 {
-    if(skipWithoutContext(state, NULL))
+    std::unique_ptr<Bench> opened = openBench(state);
+    if(!opened)
         return;
-    Bench bench;
-    if(skipWithoutContext(state, &bench))
-        return;
+    Bench &bench = *opened;
 
     PermutationSHLChunkPtr permA = bench.permutationChunk();
     PermutationSHLChunkPtr permB = bench.permutationChunk();
@@ -156,11 +159,10 @@ void BM_Switch(benchmark::State &state)
 
 void BM_CacheMiss(benchmark::State &state)
 {
-    if(skipWithoutContext(state, NULL))
+    std::unique_ptr<Bench> opened = openBench(state);
+    if(!opened)
         return;
-    Bench bench;
-    if(skipWithoutContext(state, &bench))
-        return;
+    Bench &bench = *opened;
 
     // values no earlier run used, so that no shader cache of the driver
     // can answer for the compiler

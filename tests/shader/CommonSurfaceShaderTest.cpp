@@ -86,6 +86,7 @@ Color4f colour(const Vec3f &c)
 class SurfaceFrame : public ShaderFrame
 {
   protected:
+    /// A material with the factors of s, on a plane that fills the view.
     CommonSurfaceShaderMaterialPtr surface(const SurfaceValues &s)
     {
         CommonSurfaceShaderMaterialPtr m = CommonSurfaceShaderMaterial::create();
@@ -97,6 +98,7 @@ class SurfaceFrame : public ShaderFrame
         m->setSpecularFactor(s.specular);
         m->setShininessFactor(s.shininess);
         endEditCP(m);
+        addPlane(m);
         return m;
     }
 
@@ -140,7 +142,6 @@ TEST_F(SurfaceFrame, DiffuseLightsAndFog)
     ASSERT_NE(chunk, NullFC);
     EXPECT_EQ(CommonSurfaceShader::apply(m), chunk) << "a second apply finds the chunk";
     EXPECT_FALSE(m->isTransparent());
-    addPlane(m);
 
     addLight({Vec3f(0.3f, 0.4f, 0.866f), Vec3f(1.f, 0.8f, 0.6f), Vec3f(0.1f, 0.1f, 0.1f),
               Vec3f(1.f, 1.f, 1.f)});
@@ -177,7 +178,6 @@ TEST_F(SurfaceFrame, SpecularHighlight)
                        Vec3f(0.5f, 0.4f, 0.3f), 0.1f};
     CommonSurfaceShaderMaterialPtr m = surface(s);
     CommonSurfaceShader::apply(m);
-    addPlane(m);
     addLight({Vec3f(0.4f, 0.3f, 0.866f), Vec3f(1.f, 1.f, 1.f), Vec3f(0.f, 0.f, 0.f),
               Vec3f(1.f, 0.9f, 0.8f)});
     frame();
@@ -212,7 +212,6 @@ TEST_F(SurfaceFrame, TextureWithMaskTransformAndAlpha)
     EXPECT_TRUE(m->isTransparent());
     EXPECT_NE(m->find(BlendChunk::getClassType()), NullFC) << "a see-through surface blends";
 
-    addPlane(m);
     addLight({Vec3f(0.f, 0.f, 1.f), Vec3f(1.f, 1.f, 1.f), Vec3f(0.f, 0.f, 0.f),
               Vec3f(0.f, 0.f, 0.f)});
     frame();
@@ -245,7 +244,6 @@ TEST_F(SurfaceFrame, NormalMapsInBothSpacesAndFormats)
     const UInt8 towardsX[4][4] = {
         {255, 128, 128, 255}, {255, 128, 128, 255}, {255, 128, 128, 255}, {255, 128, 128, 255}};
     addTexture(m, towardsX);
-    addPlane(m);
     addLight({Vec3f(1.f, 0.f, 0.f), Vec3f(1.f, 1.f, 1.f), Vec3f(0.f, 0.f, 0.f),
               Vec3f(0.f, 0.f, 0.f)});
 
@@ -283,7 +281,6 @@ TEST_F(SurfaceFrame, EveryTexturedFamilyCompilesWithAndWithoutLight)
                        Vec3f(0.3f, 0.3f, 0.3f), 0.2f};
     CommonSurfaceShaderMaterialPtr m = surface(s);
     addTexture(m, Texels);
-    addPlane(m);
 
     typedef void (CommonSurfaceShaderMaterial::*SetId)(const Int32 &);
     const SetId setters[] = {&CommonSurfaceShaderMaterial::setEmissiveTextureId,
@@ -322,7 +319,6 @@ TEST_F(SurfaceFrame, UnknownValuesAreReplaced)
                        Vec3f(0.f, 0.f, 0.f), 0.1f};
     CommonSurfaceShaderMaterialPtr m = surface(s);
     addTexture(m, Texels);
-    addPlane(m);
     setLightCount(1);
 
     beginEditCP(m);
