@@ -477,6 +477,33 @@ bool readBinaryData(const UInt8 *data, UInt64 size, UInt64 headerEnd,
                             imageBytes);
 }
 
+/// Teem's read of a NRRD in memory, of its header alone or of everything;
+/// `end` is where Teem stopped reading.
+bool teemRead(const UInt8 *data, UInt64 size, bool headerOnly,
+              NrrdHolder &holder, UInt64 &end)
+{
+    MemoryFile file(data, size);
+
+    if(file.file == NULL)
+    {
+        FWARNING(("NRRD: can not open the data in memory\n"));
+        return false;
+    }
+
+    holder.nio->skipData = headerOnly ? AIR_TRUE : AIR_FALSE;
+
+    if(nrrdRead(holder.nrrd, file.file, holder.nio) != 0)
+    {
+        logTeemError(headerOnly ? "reading the header" : "reading the data");
+        return false;
+    }
+
+    const long position = std::ftell(file.file);
+
+    end = position > 0 ? UInt64(position) : 0;
+    return true;
+}
+
 /// Parses the header of a NRRD held in memory that names no data file,
 /// and with withData reads its voxels.
 bool readFromMemory(const UInt8 *data, UInt64 size, bool withData,
@@ -494,45 +521,25 @@ bool readFromMemory(const UInt8 *data, UInt64 size, bool withData,
         return false;
     }
 
-    NrrdHolder header;
-    MemoryFile file(data, size);
-
-    if(file.file == NULL)
-    {
-        FWARNING(("NRRD: can not open the data in memory\n"));
-        return false;
-    }
-
     // only the header: Teem allocates nothing for the voxels, but does
     // the line skip and, for raw data, the byte skip
-    header.nio->skipData = AIR_TRUE;
+    NrrdHolder header;
+    UInt64     start = 0;
 
-    if(nrrdRead(header.nrrd, file.file, header.nio) != 0)
-    {
-        logTeemError("reading the header");
-        return false;
-    }
-    if(!layoutOf(header.nrrd, layout, maxImageBytes))
+    if(!teemRead(data, size, true, header, start) ||
+       !layoutOf(header.nrrd, layout, maxImageBytes))
         return false;
 
     if(!withData)
         return true;
-
-    const long start = std::ftell(file.file);
-
-    if(start < 0)
-    {
-        FWARNING(("NRRD: can not find the data in memory\n"));
-        return false;
-    }
 
     const NrrdEncoding *encoding = header.nio->encoding;
 
     if(encoding == nrrdEncodingRaw || encoding == nrrdEncodingGzip ||
        encoding == nrrdEncodingBzip2)
     {
-        return readBinaryData(data, size, scan.end, UInt64(start),
-                              header.nio, layout, *voxels);
+        return readBinaryData(data, size, scan.end, start, header.nio, layout,
+                              *voxels);
     }
 
     if(encoding != nrrdEncodingAscii && encoding != nrrdEncodingHex)
@@ -552,29 +559,18 @@ bool readFromMemory(const UInt8 *data, UInt64 size, bool withData,
     const UInt64 needed = encoding == nrrdEncodingHex ? 2 * fileBytes
                                                       : 2 * values - 1;
 
-    if(UInt64(start) > size || size - UInt64(start) < needed)
+    if(start > size || size - start < needed)
     {
         FWARNING(("NRRD: %llu bytes of %s text can not hold %llu values\n",
-                  static_cast<unsigned long long>(
-                      UInt64(start) <= size ? size - UInt64(start) : 0),
+                  static_cast<unsigned long long>(start <= size ? size - start : 0),
                   encoding->name, static_cast<unsigned long long>(values)));
         return false;
     }
 
     NrrdHolder full;
-    MemoryFile again(data, size);
 
-    if(again.file == NULL)
-    {
-        FWARNING(("NRRD: can not open the data in memory\n"));
-        return false;
-    }
-    if(nrrdRead(full.nrrd, again.file, full.nio) != 0)
-    {
-        logTeemError("reading the data");
-        return false;
-    }
-    return layoutOf(full.nrrd, layout, maxImageBytes) &&
+    return teemRead(data, size, false, full, start) &&
+           layoutOf(full.nrrd, layout, maxImageBytes) &&
            takeData(full.nrrd, layout, *voxels);
 }
 

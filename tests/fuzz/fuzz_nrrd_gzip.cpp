@@ -7,8 +7,9 @@
 #include <OpenSG/OSGLog.h>
 #include <OpenSG/OSGNRRDCodec.h>
 
+#include <support/ZlibSupport.h>
+
 #include <bzlib.h>
-#include <zlib.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -39,17 +40,7 @@ std::string compressed(const std::string &data, bool bzip2)
         return out;
     }
 
-    z_stream zs = {};
-    if(deflateInit2(&zs, 1, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY) != Z_OK)
-        return std::string();
-    zs.next_in   = reinterpret_cast<Bytef *>(const_cast<char *>(data.data()));
-    zs.avail_in  = uInt(data.size());
-    zs.next_out  = reinterpret_cast<Bytef *>(&out[0]);
-    zs.avail_out = uInt(out.size());
-    deflate(&zs, Z_FINISH);
-    out.resize(zs.total_out);
-    deflateEnd(&zs);
-    return out;
+    return corvanetest::deflated(data, true, 1);
 }
 
 } // namespace

@@ -19,8 +19,7 @@
 #include <image/PNGChunks.h>
 #include <support/LimitedRun.h>
 #include <support/TextSupport.h>
-
-#include <zlib.h>
+#include <support/ZlibSupport.h>
 
 #include <cstdio>
 #include <cstring>
@@ -45,27 +44,11 @@ namespace
 /// header instead of the data would use hundreds of MiB here.
 const long MaxPeakGrowthKiB = 64 * 1024;
 
-std::string zlibOf(const std::string &data, bool gzip)
-{
-    z_stream zs;
-    std::memset(&zs, 0, sizeof(zs));
-    deflateInit2(&zs, 9, Z_DEFLATED, gzip ? 15 + 16 : 15, 8, Z_DEFAULT_STRATEGY);
-    std::string out(deflateBound(&zs, uLong(data.size())), '\0');
-    zs.next_in   = reinterpret_cast<Bytef *>(const_cast<char *>(data.data()));
-    zs.avail_in  = uInt(data.size());
-    zs.next_out  = reinterpret_cast<Bytef *>(&out[0]);
-    zs.avail_out = uInt(out.size());
-    deflate(&zs, Z_FINISH);
-    out.resize(zs.total_out);
-    deflateEnd(&zs);
-    return out;
-}
-
 /// A PNG that announces width x height RGBA but holds the data of one row.
 std::string oneRowPNG(UInt32 width, UInt32 height, bool interlaced)
 {
     std::string s = pngchunks::rgbaHead(width, height, interlaced);
-    pngchunks::putChunk(s, "IDAT", zlibOf(std::string(1 + size_t(width) * 4, '\0'), false));
+    pngchunks::putChunk(s, "IDAT", corvanetest::deflated(std::string(1 + size_t(width) * 4, '\0'), false));
     pngchunks::putChunk(s, "IEND", std::string());
     return s;
 }
@@ -184,7 +167,7 @@ TEST_F(HostileFiles, CompressedMetaImageGrowsWithItsData)
                                  "ElementType = MET_UCHAR\nCompressedData = True\n"
                                  "ElementDataFile = LOCAL\n";
     expectRefused(refuse(put("z.mha", inBudget + "abc")), "compressed data in", "3 bytes");
-    const std::string zeros = zlibOf(std::string(1 << 20, '\0'), false);
+    const std::string zeros = corvanetest::deflated(std::string(1 << 20, '\0'), false);
     expectRefused(refuse(put("zeros.mha", inBudget + zeros)), "gave 1048576 of 1600000000",
                   "1 MiB of zeros");
     expectRefused(refuse(put("zeros.mhd", "ObjectType = Image\nNDims = 2\n"
@@ -221,7 +204,7 @@ TEST_F(HostileFiles, NRRDVoxelsMustBeThereBeforeTheyCostMemory)
     expectRefused(refuse(put("gz.nrrd", fields + "gzip\n\nabc")),
                   "NRRD: the gzip data is corrupt or short", "corrupt gzip");
     expectRefused(refuse(put("gz2.nrrd", fields + "gzip\n\n" +
-                                             zlibOf(std::string(1 << 20, '\0'), true))),
+                                             corvanetest::deflated(std::string(1 << 20, '\0'), true))),
                   "NRRD: the gzip data is corrupt or short", "short gzip");
     expectRefused(refuse(put("bz.nrrd", fields + "bzip2\n\nabc")),
                   "NRRD: the bzip2 data is corrupt or short", "bzip2");
@@ -466,7 +449,7 @@ TEST_F(HostileFiles, NRRDReadsOneDetachedFileOnly)
     ASSERT_NE(image, NullFC);
     EXPECT_EQ(bytesOf(image), "0123456789abcdef");
 
-    put("in/z.raw.gz", zlibOf("xx0123456789abcdef", true));
+    put("in/z.raw.gz", corvanetest::deflated("xx0123456789abcdef", true));
     image = load(put("in/z.nhdr", NrrdHead + "sizes: 4 2 2\nencoding: gzip\nbyte skip: 2\n"
                                              "data file: z.raw.gz\n\ntrailing text is ignored"));
     ASSERT_NE(image, NullFC);
