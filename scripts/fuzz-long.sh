@@ -11,7 +11,7 @@
 # Corpora grow in build-asan/fuzz-corpus/NAME (kept between runs, seeded
 # from tests/fuzz/seeds/NAME); crashes, leaks, timeouts and out-of-memory
 # inputs land in build-asan/fuzz-findings/NAME/ (a target stops at its
-# first finding). FUZZ_BUILD names another build tree, FUZZ_JOBS runs that
+# first finding), each target's output in build-asan/fuzz-findings/NAME.log. FUZZ_BUILD names another build tree, FUZZ_JOBS runs that
 # many targets at once.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -52,11 +52,14 @@ run_one() {
     -rss_limit_mb=2048 -timeout=30 -print_final_stats=1 \
     -artifact_prefix="$findings/" > "$results/$name.log" 2>&1 || status=$?
   end=$(date +%s)
+  # the last progress line counts too: a target that died has no stats
   local runs
-  runs=$(grep -E "^stat::number_of_executed_units" "$results/$name.log" | awk '{s+=$2} END {print s+0}')
+  runs=$(awk '/^stat::number_of_executed_units/ {s = $2} /^#[0-9]+/ {p = substr($1, 2)}
+              END {print (s != "" ? s : p + 0)}' "$results/$name.log")
   local found
   found=$(find "$findings" -type f -newermt "@$start" | wc -l)
   echo "$name $runs $((end - start)) $found $status" > "$results/$name.row"
+  cp "$results/$name.log" "$build/fuzz-findings/$name.log"
 }
 
 running=0
@@ -80,7 +83,7 @@ for name in "${names[@]}"; do
   total=$((total + runs))
   if [ "$found" -gt 0 ] || [ "$status" -ne 0 ]; then
     failed=1
-    echo "  -> see $build/fuzz-findings/$n/ (exit status $status)"
+    echo "  -> see $build/fuzz-findings/$n/ and $n.log (exit status $status)"
     tail -n 20 "$results/$n.log" | sed 's/^/     /'
   fi
 done

@@ -21,6 +21,7 @@
 
 #include <teem/nrrd.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <cstdio>
@@ -168,8 +169,14 @@ struct HeaderScan
 {
     UInt64                  end = 0;       ///< after its empty line, or size
     bool                    ended = false; ///< an empty line ends it
+    UInt64                  longest = 0;   ///< the longest line but comments
     std::vector<HeaderLine> lines;
 };
+
+/// Teem writes a field's text into fixed buffers of its error messages
+/// (1025 bytes, sometimes twice over) and of some parsers (257 bytes): a
+/// longer line smashes its stack. Header lines are refused beyond this.
+const UInt64 MaxHeaderLine = 256;
 
 /// Scans the header: where it ends (after its first empty line, or at the
 /// end of the data) and every line that Teem could take for a "data file",
@@ -199,6 +206,9 @@ HeaderScan scanHeader(const UInt8 *data, UInt64 size)
             scan.ended = true;
             return scan;
         }
+
+        if(data[pos] != '#')
+            scan.longest = std::max(scan.longest, end - pos);
 
         std::string squeezed;
         for(UInt64 i = pos; i < end && data[i] != '\0' && squeezed.size() < 8;
@@ -518,6 +528,13 @@ bool readFromMemory(const UInt8 *data, UInt64 size, bool withData,
     {
         FWARNING(("NRRD: detached data files can only be read from a "
                   "file\n"));
+        return false;
+    }
+    if(scan.longest > MaxHeaderLine)
+    {
+        FWARNING(("NRRD: a header line of %llu characters; at most %llu are "
+                  "read\n", static_cast<unsigned long long>(scan.longest),
+                  static_cast<unsigned long long>(MaxHeaderLine)));
         return false;
     }
 

@@ -13,6 +13,8 @@
 /// allows outside data files, inside its folder tree; lists and numbered
 /// series of data files are refused. The file names in a header never
 /// reach Teem, so it opens no file. Byte skip -1 is for raw data only.
+/// Header lines (but comments) longer than 256 characters are refused:
+/// Teem copies them into fixed buffers.
 ///
 /// The voxels returned are in the form Image keeps (see
 /// decodeVolumeData): host order, signed integers shifted to unsigned,

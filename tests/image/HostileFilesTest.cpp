@@ -214,6 +214,23 @@ TEST_F(HostileFiles, NRRDVoxelsMustBeThereBeforeTheyCostMemory)
                   "bytes of hex text can not hold", "hex");
 }
 
+TEST_F(HostileFiles, NRRDHeaderLinesCanNotOverrunTeem)
+{
+    // Teem copies a field it can't parse into a fixed message buffer: a
+    // line of 2000 characters smashed the stack of the process
+    const std::string line = "type:" + std::string(2000, 'x') + "\n";
+    expectRefused(refuse(put("long.nrrd", "NRRD0004\n" + line + "dimension: 1\nsizes: 1\n"
+                                                        "encoding: raw\n\na")),
+                  "NRRD: a header line of 2005 characters; at most 256 are read", "2000");
+
+    // comments are only kept, they may be long
+    ImagePtr image = load(put("comment.nrrd", "NRRD0004\n#" + std::string(2000, 'c') +
+                                                  "\ntype: uchar\ndimension: 1\nsizes: 1\n"
+                                                  "encoding: raw\n\na"));
+    ASSERT_NE(image, NullFC);
+    EXPECT_EQ(bytesOf(image), "a");
+}
+
 TEST_F(HostileFiles, HeadersBeyondTheBudgetAreNotRead)
 {
     // 3 GiB of (sparse) data behind each header: between the old limits

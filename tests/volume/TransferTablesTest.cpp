@@ -319,8 +319,10 @@ TEST(TransferBakeLinear, AccumulatedEqualsRepeatedAddition)
         float        t    = 0.f;
         for(UInt64 n = 0; n <= walk; ++n)
         {
-            ASSERT_EQ(TransferTables::accumulated(step, n), t)
-                << "step 1/" << length << ", " << n << " additions";
+            // every count near the start and the end, a sample between
+            if(n < 3000 || n + 100 > walk || n % 97 == 0)
+                ASSERT_EQ(TransferTables::accumulated(step, n), t)
+                    << "step 1/" << length << ", " << n << " additions";
             t += step;
         }
     }
