@@ -28,7 +28,7 @@ if [ "${CORVANE_SKIP_SANITIZE:-0}" != "1" ]; then
     echo "== fuzzing $name for ${seconds}s"
     status=0
     "$fuzzer" "$corpus" "tests/fuzz/seeds/$name" -max_total_time="$seconds" \
-      -print_final_stats=1 > "$corpus.log" 2>&1 || status=$?
+      -rss_limit_mb=2048 -timeout=30 -print_final_stats=1 > "$corpus.log" 2>&1 || status=$?
     grep -E "^stat::number_of_executed_units" "$corpus.log" || true
     if [ "$status" -ne 0 ]; then
       tail -n 60 "$corpus.log"

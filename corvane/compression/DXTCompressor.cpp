@@ -111,6 +111,21 @@ bool checkDataType(UInt32 dataType)
     return false;
 }
 
+/// The step before must have left width x height RGBA bytes behind.
+bool checkPixels(const osg::ImagePtr &image, UInt32 width, UInt32 height)
+{
+    const std::size_t bytes = std::size_t(width) * height * 4;
+
+    if(image->getData() != NULL && image->getBpp() == 4 &&
+       image->getSize(false, false, false) >= bytes)
+        return true;
+
+    FWARNING(("DXTCompressor::compressImage: The image holds no %i x %i "
+               "pixels. Boldly refusing to compress it.\n",
+               int(width), int(height)));
+    return false;
+}
+
 bool checkPixelFormat(UInt32 pixelFormat)
 {
     if(pixelFormat == PF_RGBA)
@@ -237,13 +252,24 @@ bool DXTCompressor::compressImage(osg::ImagePtr image, CompressedFormat format)
     if(!checkImage(image != osg::NullFC, image != osg::NullFC ? image->getDepth() : 0))
         return false;
 
+    // Every step below can fail (no memory, an image without pixels): each
+    // is checked before the next one reads what it left behind.
     UInt32 width  = image->getWidth();
     UInt32 height = image->getHeight();
     if((width & 3) != 0 || (height & 3) != 0)
     {
-        image->scale(Int32(blockEdge(width)), Int32(blockEdge(height)), 1, osg::NullFC);
+        const UInt32 blockWidth = blockEdge(width), blockHeight = blockEdge(height);
+        const bool   scaled =
+            image->scale(Int32(blockWidth), Int32(blockHeight), 1, osg::NullFC);
         width  = image->getWidth();
         height = image->getHeight();
+        if(!scaled || image->getData() == NULL)
+        {
+            FWARNING(("DXTCompressor::compressImage: Couldn't scale the image to %i x %i. "
+                      "Boldly refusing to compress it.\n",
+                      int(blockWidth), int(blockHeight)));
+            return false;
+        }
     }
     if(!checkSize(width, height))
         return false;
@@ -258,7 +284,7 @@ bool DXTCompressor::compressImage(osg::ImagePtr image, CompressedFormat format)
 
     if(image->getPixelFormat() != PF_RGBA)
         image->reformat(Image::OSG_RGBA_PF, osg::NullFC);
-    if(!checkPixelFormat(image->getPixelFormat()))
+    if(!checkPixelFormat(image->getPixelFormat()) || !checkPixels(image, width, height))
         return false;
 
     const std::size_t bytes = std::size_t(width) * height * 4;
@@ -272,9 +298,18 @@ bool DXTCompressor::compressImage(osg::ImagePtr image, CompressedFormat format)
     std::memcpy(pixels.data(), image->getData(), bytes);
 
     osg::beginEditCP(image, Image::PixelFieldMask);
-    image->set(target, Int32(width), Int32(height), 1, 1, 1, 0.0, NULL, GL_UNSIGNED_BYTE, true,
-               1);
-    compressPixels(image->editData(), pixels.data(), width, height, Image::OSG_RGBA_PF, format);
+    const bool stored = image->set(target, Int32(width), Int32(height), 1, 1, 1, 0.0, NULL,
+                                   GL_UNSIGNED_BYTE, true, 1);
+    if(stored)
+        compressPixels(image->getData(), pixels.data(), width, height, Image::OSG_RGBA_PF,
+                       format);
     osg::endEditCP(image, Image::PixelFieldMask);
+
+    if(!stored)
+    {
+        FWARNING(("DXTCompressor::compressImage: Out of memory. Boldly refusing to "
+                  "compress it.\n"));
+        return false;
+    }
     return true;
 }

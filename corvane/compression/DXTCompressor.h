@@ -27,7 +27,8 @@ class DXTCompressor
     /// Compresses the image in place: its edges are raised to multiples of
     /// 4, its data converted to bytes and RGBA, and it takes a compressed
     /// pixel format (Auto: DXT5 with alpha, DXT1 without). False, with a log
-    /// line, for a null or 3-D image or one that can't be converted.
+    /// line, for a null or 3-D image, one that can't be scaled or converted
+    /// (no memory) or that holds no pixels.
     bool compressImage(osg::ImagePtr image, CompressedFormat format = Auto);
 
     /// Compresses width x height pixels of `in` (GL_RGB, GL_RGBA, GL_BGR or

@@ -5,9 +5,48 @@
 #include <OpenSG/OSGImageFileHandler.h>
 #include <OpenSG/OSGLog.h>
 
-#include <fstream>
+#include <cerrno>
+#include <sstream>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 OSG_BEGIN_NAMESPACE
+
+namespace
+{
+
+/// Writes bytes into the regular file `name`, created or truncated, but
+/// never through a symbolic link at its last component (O_NOFOLLOW) and
+/// never into a FIFO or device: a screen dump must not overwrite what the
+/// link points at. False when the file can't be written.
+bool writeRegularFile(const std::string &name, const std::string &bytes)
+{
+    const int fd = ::open(name.c_str(),
+                          O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC,
+                          0666);
+    if(fd < 0)
+        return false;
+
+    struct stat info;
+    bool        ok = ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) &&
+              ::ftruncate(fd, 0) == 0;
+
+    for(size_t done = 0; ok && done < bytes.size();)
+    {
+        const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+        if(n < 0 && errno == EINTR)
+            continue;
+        ok = n > 0;
+        if(ok)
+            done += size_t(n);
+    }
+    return ::close(fd) == 0 && ok;
+}
+
+} // namespace
 
 ScreenDumpForeground::ScreenDumpForeground(void) : Inherited(), _ownImage(NullFC)
 {
@@ -75,11 +114,12 @@ void ScreenDumpForeground::draw(DrawActionBase *action, Viewport *port)
     MFString &names = *getMFFilenames();
 
     {
-        std::ofstream out(names[0].c_str(), std::ios::out | std::ios::binary);
-
         // The writer's answer is not looked at: a screen dump is best effort.
-        if(out.is_open())
-            ImageFileHandler::the().write(getImage(), out, "image/png");
+        // The PNG is made first, so that a file is only created for it.
+        std::ostringstream png;
+
+        if(ImageFileHandler::the().write(getImage(), png, "image/png"))
+            writeRegularFile(names[0], png.str());
     }
 
     beginEditCP(thisP, FilenamesFieldMask);

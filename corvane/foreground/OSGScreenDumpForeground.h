@@ -2,8 +2,10 @@
 ///
 /// Each draw takes the first name of `filenames`, grabs the viewport into
 /// `image` (made here as RGB when there is none) and writes it; the name
-/// leaves the queue whether or not the file could be written. Like every
-/// GrabForeground it starts inactive.
+/// leaves the queue whether or not the file could be written. The file is
+/// created (or truncated) only as a regular file and never through a
+/// symbolic link at its last component: a name that is a link, a FIFO or
+/// a device is skipped. Like every GrabForeground it starts inactive.
 #ifndef _OSGSCREENDUMPFOREGROUND_H_
 #define _OSGSCREENDUMPFOREGROUND_H_
 

@@ -2,6 +2,7 @@
 #include <OpenSG/OSGReal16.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <vector>
 
@@ -43,6 +44,12 @@ class TexelWriter
                 return;
             _table[offset] = TransferTables::toByte(value);
         }
+    }
+
+    /// Whole texels the buffer holds.
+    UInt64 texels(void) const
+    {
+        return _bytes / (_halves ? 8 : 4);
     }
 
     void storeColor(Int64 texel, const FloatColor &c)
@@ -118,6 +125,168 @@ UInt8 TransferTables::toByte(float value)
     return UInt8(scaled);
 }
 
+float TransferTables::accumulated(float step, UInt64 count)
+{
+    // Inside one binade of t every addition of the same step rounds the
+    // same way once the first one there has settled the tie-breaking, so
+    // after three single additions in a binade the rest of it is one
+    // multiplication: exact, as all values there are multiples of its ulp.
+    float t = 0.f;
+
+    while(count > 0)
+    {
+        const float t1 = t + step;
+        if(--count == 0)
+            return t1;
+        const float t2 = t1 + step;
+        if(--count == 0)
+            return t2;
+        const float t3 = t2 + step;
+        if(--count == 0)
+            return t3;
+
+        int e1 = 0, e3 = 0;
+        std::frexp(t1, &e1);
+        std::frexp(t3, &e3);
+
+        const double increment = double(t3) - double(t2);
+
+        if(e1 == e3 && increment == 0.0)
+            return t3; // the step is lost in rounding: t stays
+
+        if(e1 == e3 && increment > 0.0)
+        {
+            // additions whose exact sums stay below the binade's top
+            const double top   = std::ldexp(1.0, e3);
+            const double fit   = std::floor((top - double(t3) - double(step)) /
+                                            increment) - 1.0;
+            const UInt64 taken = fit > 0.0 ? std::min(count, UInt64(fit)) : 0;
+
+            t = float(double(t3) + double(taken) * increment);
+            count -= taken;
+            continue;
+        }
+        t = t3;
+    }
+    return t;
+}
+
+namespace
+{
+
+/// The texels of a table that no later step of a bake has written yet. A
+/// bake is painted from its last step back to its first, so that every
+/// texel is written once, by the step that would have written it last:
+/// the cost is the table plus the list, whatever the points do.
+class UnpaintedTexels
+{
+  public:
+    explicit UnpaintedTexels(Int64 count) : _next(size_t(count) + 1)
+    {
+        for(size_t k = 0; k < _next.size(); ++k)
+            _next[k] = UInt32(k);
+    }
+
+    /// The first unpainted texel at or after k; the count when none is.
+    Int64 first(Int64 k)
+    {
+        UInt32 at = UInt32(k);
+        while(_next[at] != at)
+        {
+            _next[at] = _next[_next[at]];
+            at        = _next[at];
+        }
+        return at;
+    }
+
+    bool unpainted(Int64 k) const
+    {
+        return _next[size_t(k)] == UInt32(k);
+    }
+
+    void paint(Int64 k)
+    {
+        _next[size_t(k)] = UInt32(k) + 1;
+    }
+
+  private:
+    std::vector<UInt32> _next;
+};
+
+/// Bakes one list of points in the table's texels [0, count): `store(k, v)`
+/// writes value v to texel k, `mix(t, to, from)` interpolates. The steps,
+/// in list order: the first value below the first point's index, a ramp
+/// between each pair of points, then (tailFrom < tailTo, after the last
+/// point) the last value over [tailFrom, tailTo). Each ramp takes t from 0
+/// by steps of 1 / (index difference), accumulated in float as a walk
+/// over the texels would accumulate it.
+template <class Value, class Store, class Mix>
+void bakePoints(const std::list<std::pair<float, Value> > &points,
+                UInt32 texels, Int64 count, bool withTail, Int64 tailTo,
+                Store store, Mix mix)
+{
+    std::vector<Int32>        index;
+    std::vector<const Value *> value;
+
+    index.reserve(points.size());
+    value.reserve(points.size());
+    for(typename std::list<std::pair<float, Value> >::const_iterator it =
+            points.begin();
+        it != points.end(); ++it)
+    {
+        index.push_back(TransferTables::texelIndex(it->first, texels));
+        value.push_back(&it->second);
+    }
+
+    const Int64     end = std::min<Int64>(texels, count);
+    UnpaintedTexels open(count);
+
+    // a constant over [from, to), only where nothing later wrote
+    auto fill = [&](Int64 from, Int64 to, const Value &v) {
+        from = std::max<Int64>(from, 0);
+        to   = std::min(to, count);
+        for(Int64 k = from < to ? open.first(from) : to; k < to;
+            k = open.first(k + 1))
+        {
+            store(k, v);
+            open.paint(k);
+        }
+    };
+
+    const size_t last = index.size() - 1;
+
+    if(withTail)
+        fill(index[last], tailTo, *value[last]);
+
+    for(size_t j = last; j > 0; --j)
+    {
+        const Int32  from  = index[j - 1];
+        const Int32  to    = index[j];
+        const float  step  = 1.f / float(to - from);
+        const Int64  lo    = std::max<Int64>(from, 0);
+        const Int64  hi    = std::min<Int64>(to, end);
+        const Value &a     = *value[j - 1];
+        const Value &b     = *value[j];
+
+        for(Int64 k = lo < hi ? open.first(lo) : hi; k < hi; k = open.first(k))
+        {
+            // one run of unpainted texels, t picked up where the walk
+            // from the ramp's start would have it
+            float t = TransferTables::accumulated(step, UInt64(k - from));
+            for(; k < hi && open.unpainted(k); ++k)
+            {
+                store(k, mix(t, b, a));
+                open.paint(k);
+                t += step;
+            }
+        }
+    }
+
+    fill(0, std::min<Int64>(index[0], end), *value[0]);
+}
+
+} // namespace
+
 void TransferTables::bakeAlpha(UInt8 *table, UInt64 tableBytes, bool halves,
                                UInt32 texels, const AlphaPoints &points)
 {
@@ -125,36 +294,23 @@ void TransferTables::bakeAlpha(UInt8 *table, UInt64 tableBytes, bool halves,
         return;
 
     TexelWriter out(table, tableBytes, halves);
-    const Int64 end = texels;
+    const Int64 count = Int64(std::min<UInt64>(out.texels(), texels));
+    const Int32 last  = texelIndex(points.back().first, texels);
 
-    AlphaPoints::const_iterator it = points.begin();
-    float a = it->second;
-    Int32 i = texelIndex(it->first, texels);
-    for(Int64 k = 0; k < std::min<Int64>(i, end); ++k)
-        out.store(k, 3, a);
-
-    for(++it; it != points.end(); ++it)
+    // A list that ends before the table's end flattens the whole channel
+    // to its last opacity: nothing before that matters.
+    if(UInt32(std::max(last, 0)) < (halves ? HalfTableLimit : ByteTableLimit))
     {
-        float nextA = it->second;
-        Int32 nextI = texelIndex(it->first, texels);
-        float step  = 1.f / float(nextI - i);
-        float t     = 0.f;
-        // t accumulates from the segment's start, also across the texels
-        // before the table that a negative start walks over
-        for(Int64 k = i; k < std::min<Int64>(nextI, end); ++k)
-        {
-            out.store(k, 3, t * nextA + (1.f - t) * a);
-            t += step;
-        }
-        a = nextA;
-        i = nextI;
+        for(Int64 k = 0; k < count; ++k)
+            out.store(k, 3, points.back().second);
+        return;
     }
 
-    if(UInt32(std::max(i, 0)) < (halves ? HalfTableLimit : ByteTableLimit))
-    {
-        for(Int64 k = 0; k < end; ++k)
-            out.store(k, 3, a);
-    }
+    bakePoints(points, texels, count, false, 0,
+               [&out](Int64 k, float a) { out.store(k, 3, a); },
+               [](float t, float to, float from) {
+                   return t * to + (1.f - t) * from;
+               });
 }
 
 void TransferTables::bakeColor(UInt8 *table, UInt64 tableBytes, bool halves,
@@ -164,32 +320,15 @@ void TransferTables::bakeColor(UInt8 *table, UInt64 tableBytes, bool halves,
         return;
 
     TexelWriter out(table, tableBytes, halves);
-    const Int64 end = texels;
-
-    ColorPoints::const_iterator it = points.begin();
-    FloatColor c = it->second;
-    Int32      i = texelIndex(it->first, texels);
-    for(Int64 k = 0; k < std::min<Int64>(i, end); ++k)
-        out.storeColor(k, c);
-
-    for(++it; it != points.end(); ++it)
-    {
-        const FloatColor &nextC = it->second;
-        Int32 nextI = texelIndex(it->first, texels);
-        float step  = 1.f / float(nextI - i);
-        float t     = 0.f;
-        for(Int64 k = i; k < std::min<Int64>(nextI, end); ++k)
-        {
-            out.storeColor(k, mixColor(t, nextC, c));
-            t += step;
-        }
-        c = nextC;
-        i = nextI;
-    }
-
+    // the tail continues the last colour up to the layout's limit, even
+    // beyond `texels`, as far as the buffer reaches
     const Int64 limit = halves ? HalfTableLimit : ByteTableLimit;
-    for(Int64 k = std::max(i, 0); k < limit; ++k)
-        out.storeColor(k, c);
+    const Int64 count = Int64(std::min<UInt64>(
+        out.texels(), std::max<UInt64>(texels, UInt64(limit))));
+
+    bakePoints(points, texels, count, true, limit,
+               [&out](Int64 k, const FloatColor &c) { out.storeColor(k, c); },
+               mixColor);
 }
 
 void TransferTables::prefixSumBytes(const UInt8 *table, UInt64 tableBytes,

@@ -28,6 +28,9 @@ class TransferTables
     /// halves the value itself. A list that ends before the last texel
     /// (its last index below 256 for bytes, 65536 for halves) flattens the
     /// whole channel to its last opacity. An empty list writes nothing.
+    /// The result is that of walking the segments in list order, later
+    /// ones overwriting earlier ones, but each texel is written once: the
+    /// cost is linear in the table and the list, whatever the points do.
     static void bakeAlpha(osg::UInt8        *table,
                           osg::UInt64        tableBytes,
                           bool               halves,
@@ -82,6 +85,11 @@ class TransferTables
 
     /// trunc(255 * value) as a byte, values outside 0..1 clamped.
     static osg::UInt8 toByte(float value);
+
+    /// What `count` additions of step to 0.f give in float arithmetic, bit
+    /// for bit, in time logarithmic in count: where a ramp's walk over the
+    /// texels has its t at any texel.
+    static float accumulated(float step, osg::UInt64 count);
 };
 
 #endif

@@ -5,10 +5,13 @@
 #include <OpenSG/OSGLog.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <fstream>
 #include <istream>
+#include <limits>
 #include <ostream>
+#include <string>
 
 OSG_USING_NAMESPACE
 
@@ -90,7 +93,84 @@ bool Transferfunction::setTransferfunc(TextureChunkPtr texture)
 
 // --- the file ---------------------------------------------------------------------
 
-void Transferfunction::readControlPoints(std::istream &is, AlphaPoints &alphaPoints,
+namespace
+{
+
+/// More points than the 16-bit table has texels can't each own one; a
+/// list that long only costs memory.
+const int MaxControlPoints = 65536;
+
+enum NumberRead
+{
+    NumberOk,
+    NumberEnds,      ///< not a number: the file ends here
+    NumberOutOfRange ///< a number no float (or count) can hold: refused
+};
+
+template <class T>
+NumberRead readNumber(std::istream &is, T &value)
+{
+    if(is >> value)
+        return NumberOk;
+
+    // A number too large for its type is stored as the type's extreme;
+    // "nan" and "inf" stop extraction at their first letter.
+    if(value == std::numeric_limits<T>::max() ||
+       value == std::numeric_limits<T>::lowest())
+        return NumberOutOfRange;
+
+    is.clear();
+    std::string token;
+    is >> token;
+    std::string word;
+    for(char c : token)
+    {
+        if(c != '+' && c != '-')
+            word += char(std::tolower(static_cast<unsigned char>(c)));
+    }
+    if(word.compare(0, 3, "nan") == 0 || word.compare(0, 3, "inf") == 0)
+        return NumberOutOfRange;
+    // the file ends here, for the other list too
+    is.setstate(std::ios::failbit);
+    return NumberEnds;
+}
+
+/// Reads `count` points of `components` numbers; false when one is out
+/// of range or the list is too long (warned), true when it ends early.
+template <class Point, class Make>
+bool readList(std::istream &is, std::list<Point> &points, int components,
+              const char *what, Make make)
+{
+    int        count  = 0;
+    NumberRead status = readNumber(is, count);
+
+    for(int i = 0; status == NumberOk && i < count; ++i)
+    {
+        float value[4];
+        for(int c = 0; c < components && status == NumberOk; ++c)
+            status = readNumber(is, value[c]);
+        if(status != NumberOk)
+            break;
+        if(points.size() == size_t(MaxControlPoints))
+        {
+            FWARNING(("Transferfunction: more than %d %s points\n",
+                      MaxControlPoints, what));
+            return false;
+        }
+        points.push_back(make(value));
+    }
+    if(status == NumberOutOfRange)
+    {
+        FWARNING(("Transferfunction: a number of the %s points is not "
+                  "finite or out of range\n", what));
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool Transferfunction::readControlPoints(std::istream &is, AlphaPoints &alphaPoints,
                                          ColorPoints &colorPoints)
 {
     alphaPoints.clear();
@@ -98,29 +178,19 @@ void Transferfunction::readControlPoints(std::istream &is, AlphaPoints &alphaPoi
 
     // A token that isn't a number ends the file: the count of a list only
     // promises points, it doesn't reserve anything.
-    int count = 0;
-    if(is >> count)
-    {
-        for(int i = 0; i < count; ++i)
-        {
-            float position, alpha;
-            if(!(is >> position >> alpha))
-                break;
-            alphaPoints.push_back(std::make_pair(position, alpha));
-        }
-    }
+    const bool ok =
+        readList(is, alphaPoints, 2, "opacity",
+                 [](const float *v) { return std::make_pair(v[0], v[1]); }) &&
+        readList(is, colorPoints, 4, "colour", [](const float *v) {
+            return std::make_pair(v[0], FloatColor(v[1], v[2], v[3]));
+        });
 
-    count = 0;
-    if(is >> count)
+    if(!ok)
     {
-        for(int i = 0; i < count; ++i)
-        {
-            float position, r, g, b;
-            if(!(is >> position >> r >> g >> b))
-                break;
-            colorPoints.push_back(std::make_pair(position, FloatColor(r, g, b)));
-        }
+        alphaPoints.clear();
+        colorPoints.clear();
     }
+    return ok;
 }
 
 void Transferfunction::writeControlPoints(std::ostream &os, const AlphaPoints &alphaPoints,
@@ -157,7 +227,11 @@ bool Transferfunction::loadTransferfunction(std::string fileName)
     }
     AlphaPoints alphaPoints;
     ColorPoints colorPoints;
-    readControlPoints(in, alphaPoints, colorPoints);
+    if(!readControlPoints(in, alphaPoints, colorPoints))
+    {
+        FWARNING(("Couldn't load file %s!\n", fileName.c_str()));
+        return false;
+    }
     in.close();
 
     ImagePtr image = createTableImage(_mode);

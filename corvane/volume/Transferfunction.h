@@ -93,7 +93,8 @@ class Transferfunction
 
     /// Reads the control points of a file and bakes them into a new table
     /// for the current mode. False, with a warning, when the file can't be
-    /// opened; a short or malformed file is not detected.
+    /// opened or readControlPoints refuses it; a short or malformed file is
+    /// not detected. The cost is linear in the file plus one bake.
     bool loadTransferfunction(std::string fileName);
 
     /// Bake a list into the opacity or the colour channels of an image made
@@ -113,8 +114,11 @@ class Transferfunction
 
     /// Reads the control points from a stream, token by token; a count
     /// below 1 reads no points, and reading stops at the first token that
-    /// isn't a number (the points read so far are kept).
-    static void readControlPoints(std::istream &is,
+    /// isn't a number (the points read so far are kept). False, with a
+    /// warning and both lists empty, when a number is not finite ("nan",
+    /// "inf", or too large for a float or a count) or a list holds more
+    /// than 65536 points.
+    static bool readControlPoints(std::istream &is,
                                   AlphaPoints  &alphaPoints,
                                   ColorPoints  &colorPoints);
 

@@ -15,30 +15,20 @@ namespace
 
 const Char8 *datSuffixes[] = {"dat"};
 
-/// The raw file: beside the header first, then as written (relative to
-/// the working directory); each without and with ".gz". "" if none opens.
+/// The raw file beside the header, as named or with ".gz" appended; ""
+/// when there is none or the header may not name it (warned).
 std::string findRawFile(const std::string &datFile,
                         const std::string &objectFileName)
 {
-    std::vector<std::string> names;
+    std::string path;
 
-    if(objectFileName[0] != '/')
+    for(const char *suffix : {"", ".gz"})
     {
-        const std::string dir = volumeDirectoryOf(datFile);
-
-        if(!dir.empty())
-            names.push_back(dir + objectFileName);
-    }
-    names.push_back(objectFileName);
-
-    for(size_t gz = 0; gz < 2; ++gz)
-    {
-        for(size_t i = 0; i < names.size(); ++i)
+        switch(volumeDataFilePath(datFile, objectFileName + suffix, path, "DAT"))
         {
-            const std::string name = gz ? names[i] + ".gz" : names[i];
-
-            if(volumeFileCanOpen(name))
-                return name;
+            case VolumeDataFileFound:   return path;
+            case VolumeDataFileRefused: return std::string();
+            case VolumeDataFileMissing: break;
         }
     }
     return std::string();
@@ -48,7 +38,8 @@ std::string findRawFile(const std::string &datFile,
 
 DATImageFileType DATImageFileType::_the("image/x-dat", datSuffixes,
                                         sizeof(datSuffixes),
-                                        OSG_READ_SUPPORTED);
+                                        OSG_READ_SUPPORTED |
+                                            OSG_NAMES_OTHER_FILES);
 
 DATImageFileType &DATImageFileType::the(void)
 {
@@ -89,6 +80,14 @@ bool DATImageFileType::read(ImagePtr &image, const Char8 *fileName)
 
     if(!interpretDATHeader(entries, header))
         return false;
+
+    // what the volume code will read must be the spacing that was checked
+    const std::string *thickness = image->findAttachmentField("SliceThickness");
+    Real64             spacing[3];
+
+    if(thickness != NULL && !parseSliceThickness(*thickness, spacing))
+        image->setAttachmentField("SliceThickness",
+                                  formatSliceThickness(header.layout.spacing));
 
     const std::string rawName = findRawFile(fileName, header.objectFileName);
 

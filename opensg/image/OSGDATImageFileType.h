@@ -2,13 +2,16 @@
 /// names a raw voxel file, "Key: value" per line.
 ///
 /// Reading stores every header line as an attachment field of the image
-/// (so "SliceThickness" reaches the volume code verbatim) and reads the raw
-/// file, which is looked up beside the .dat file first and then relative
-/// to the working directory, each also with ".gz" appended (gzip files are
-/// decompressed on the fly). Keys: ObjectFileName, Resolution (x y z),
-/// Format (UCHAR, USHORT, UINT, ULONG, FLOAT, DOUBLE), Channel, Endian
-/// (LITTLE; anything else and the default is big endian), FileOffset,
-/// SliceThickness. A raw file shorter than the header announces is
+/// (so "SliceThickness" reaches the volume code verbatim; one that is not
+/// three finite positive numbers is replaced, bad values by 1, with a
+/// warning) and reads the raw file relative to the .dat file, as named or
+/// with ".gz" appended (gzip files are decompressed on the fly). The raw
+/// file must be a regular file in the header's folder tree unless
+/// ImageFileHandler allows outside data files. Keys: ObjectFileName,
+/// Resolution (x y z), Format (UCHAR, USHORT, UINT, ULONG, FLOAT, DOUBLE),
+/// Channel, Endian (LITTLE; anything else and the default is big endian),
+/// FileOffset, SliceThickness. FileOffset is skipped by seeking (in a gzip file by
+/// decompressing). A raw file shorter than the header announces is
 /// refused; a longer one is read and the rest ignored, with a warning.
 ///
 /// Writing produces name.dat and name.raw. The data is big endian unless

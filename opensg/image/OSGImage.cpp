@@ -658,7 +658,20 @@ bool Image::createData(const UInt8 *data, bool allocMem)
         data = aliased.data();
     }
 
-    if(allocMem && size != 0)
+    // One budget for every image, the one the file loaders check their
+    // headers against; it never exceeds what the 32-bit size fields hold.
+    const UInt64 budget = ImageFileHandler::the().getMaxImageBytes();
+
+    if(allocMem && size > budget)
+    {
+        FWARNING(("Image::createData : %llu bytes are more than the %llu "
+                  "an image may hold\n",
+                  static_cast<unsigned long long>(size),
+                  static_cast<unsigned long long>(budget)));
+        std::vector<UInt8>().swap(pixel);
+        ok = false;
+    }
+    else if(allocMem && size != 0)
     {
         // The size fields are 32-bit, as is the layout's offset arithmetic.
         if(frameSize > UInt64(std::numeric_limits<Int32>::max()) ||

@@ -1,10 +1,13 @@
 #include <OpenSG/OSGImageFileHandler.h>
 #include <OpenSG/OSGImage.h>
 #include <OpenSG/OSGLog.h>
+#include <OpenSG/OSGVolumeHeaders.h>
 
 #include <algorithm>
 #include <cctype>
 #include <climits>
+#include <cstdlib>
+#include <cstring>
 #include <istream>
 #include <ostream>
 #include <unistd.h>
@@ -81,8 +84,15 @@ ImageFileHandler &ImageFileHandler::the(void)
 }
 
 ImageFileHandler::ImageFileHandler(void)
-    : _suffixTypeMap(), _mimeTypeMap(), _readFP(NULL)
+    : _suffixTypeMap(),
+      _mimeTypeMap(),
+      _readFP(NULL),
+      _maxImageBytes(MaxImageBytesCeiling),
+      _allowOutsideDataFiles(false)
 {
+    const char *outside = std::getenv("OSG_ALLOW_OUTSIDE_DATA_FILES");
+
+    _allowOutsideDataFiles = outside != NULL && std::strcmp(outside, "1") == 0;
 }
 
 ImageFileHandler::~ImageFileHandler(void)
@@ -176,6 +186,17 @@ ImageFileType *ImageFileHandler::getFileType(const Char8 *mimeType,
                 if(it->second->validateHeader(fileName, implemented) &&
                    implemented)
                 {
+                    // A header that names other files must not get in
+                    // under another format's name: "upload.png" that is
+                    // a NRRD could pull any file into the image.
+                    if((it->second->getFlags() &
+                        ImageFileType::OSG_NAMES_OTHER_FILES) != 0)
+                    {
+                        FWARNING(("%s looks like a '%s' file, which may name "
+                                  "other files, but is not named so; not "
+                                  "read\n", fileName, it->first.c_str()));
+                        return NULL;
+                    }
                     FWARNING(("Autodetected '%s' image type!\n",
                               it->first.c_str()));
                     return it->second;
@@ -238,6 +259,14 @@ bool ImageFileHandler::read(ImagePtr    &image,
                  << std::endl;
         return false;
     }
+
+    // A FIFO would block the header check, a device would never end.
+    UInt64    size = 0;
+    const int fd   = volumeOpenRegularFile(fullPath, size, "ImageFileHandler");
+
+    if(fd < 0)
+        return false;
+    volumeCloseFile(fd);
 
     ImageFileType *type = getFileType(mimeType, fullPath.c_str(), true);
 
@@ -429,6 +458,28 @@ const Char8 *ImageFileHandler::getOptions(const Char8 *suffix)
     ImageFileType *type = getFileType(suffix);
 
     return type != NULL ? type->getOptions() : NULL;
+}
+
+void ImageFileHandler::setMaxImageBytes(UInt64 bytes)
+{
+    _maxImageBytes = bytes == 0 || bytes > MaxImageBytesCeiling
+                         ? MaxImageBytesCeiling
+                         : bytes;
+}
+
+UInt64 ImageFileHandler::getMaxImageBytes(void) const
+{
+    return _maxImageBytes;
+}
+
+void ImageFileHandler::setAllowOutsideDataFiles(bool allow)
+{
+    _allowOutsideDataFiles = allow;
+}
+
+bool ImageFileHandler::getAllowOutsideDataFiles(void) const
+{
+    return _allowOutsideDataFiles;
 }
 
 void ImageFileHandler::dump(void)

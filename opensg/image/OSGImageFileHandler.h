@@ -4,6 +4,10 @@
 /// Mime types and suffixes are kept normalised (trimmed, lower case; mime
 /// parameters after ';' dropped). The first format registered for a name
 /// keeps it.
+///
+/// The handler also holds what every loader obeys on hostile files: one
+/// size budget (setMaxImageBytes) and the rule for data files that a header
+/// names (setAllowOutsideDataFiles).
 #ifndef _OSGIMAGEFILEHANDLER_H_
 #define _OSGIMAGEFILEHANDLER_H_
 
@@ -31,9 +35,10 @@ class ImageFileHandler
     virtual ImagePtr read(const Char8 *fileName, const Char8 *mimeType = 0);
 
     /// Reads into image. The type comes from mimeType, else from the suffix;
-    /// the file's first bytes are checked and may choose another type. On
-    /// success the image's attachment fields "fileName" and "fullFilePath"
-    /// and its name field (absolute path) are set.
+    /// the file's first bytes are checked and may choose another type. Only
+    /// regular files are read (a FIFO or device is refused without
+    /// blocking). On success the image's attachment fields "fileName" and
+    /// "fullFilePath" and its name field (absolute path) are set.
     virtual bool read(ImagePtr &image, const Char8 *fileName,
                       const Char8 *mimeType = 0);
 
@@ -51,7 +56,9 @@ class ImageFileHandler
     /// The type for mimeType (a bare word means "image/<word>"), else for
     /// the suffix of fileName. With validateHeader the file's first bytes
     /// are checked; when they do not fit, the first registered type (in
-    /// suffix order) that recognises them is taken, or none.
+    /// suffix order) that recognises them is taken, or none. A type whose
+    /// headers name other files (OSG_NAMES_OTHER_FILES) is never taken this
+    /// way: such a file is refused.
     ImageFileType *getFileType(const Char8 *mimeType,
                                const Char8 *fileName       = 0,
                                bool         validateHeader = false);
@@ -80,6 +87,28 @@ class ImageFileHandler
     /// Logs every suffix with its mime type.
     void dump(void);
 
+    // --- limits on what files may cost ----------------------------------------
+
+    /// The largest pixel block in bytes: Image::set and setData refuse a
+    /// larger image, and every loader checks the sizes its header announces
+    /// against it before it allocates or reads anything. The ceiling, and
+    /// the default, is MaxImageBytesCeiling (what Image's 32-bit size
+    /// fields can address); an application may lower it, values above the
+    /// ceiling (and 0) are taken as the ceiling.
+    void   setMaxImageBytes(UInt64 bytes);
+    UInt64 getMaxImageBytes(void) const;
+
+    static constexpr UInt64 MaxImageBytesCeiling = 0x7FFFFFFF;
+
+    /// Whether a header may name a data file (DAT ObjectFileName, MetaImage
+    /// ElementDataFile, NRRD data file) outside the header's own folder
+    /// tree: an absolute path, or a relative one that leads out through
+    /// ".." or a symbolic link. Off by default; the environment variable
+    /// OSG_ALLOW_OUTSIDE_DATA_FILES set to 1 when the handler is created
+    /// switches it on. Data files must be regular files either way.
+    void setAllowOutsideDataFiles(bool allow);
+    bool getAllowOutsideDataFiles(void) const;
+
   protected:
     ImageFileHandler(void);
 
@@ -97,6 +126,8 @@ class ImageFileHandler
     TypeMap  _suffixTypeMap;
     TypeMap  _mimeTypeMap;
     readcbfp _readFP;
+    UInt64   _maxImageBytes;
+    bool     _allowOutsideDataFiles;
 
     ImageFileHandler(const ImageFileHandler &);
     void operator=(const ImageFileHandler &);

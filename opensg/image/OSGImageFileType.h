@@ -25,7 +25,11 @@ class ImageFileType
     enum
     {
         OSG_READ_SUPPORTED  = 1,
-        OSG_WRITE_SUPPORTED = 2
+        OSG_WRITE_SUPPORTED = 2,
+        /// The format's headers may name other files to read (detached
+        /// voxel data): such a type is never taken for a file whose name
+        /// says another format, whatever its first bytes look like.
+        OSG_NAMES_OTHER_FILES = 4
     };
 
     /// The 32-byte header of MTD files and of images stored in memory. The

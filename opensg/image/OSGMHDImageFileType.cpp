@@ -18,8 +18,14 @@ namespace
 
 const Char8 *mhdSuffixes[] = {"mhd", "mha"};
 
-/// Largest compressed block we read; zlib never makes data much bigger.
-const UInt64 MaxCompressedBytes = MaxVolumeBytes + (UInt64(1) << 20);
+/// Largest compressed block we read: zlib makes data at most a little
+/// bigger than it was.
+UInt64 maxCompressedBytes(void)
+{
+    const UInt64 limit = volumeMaxBytes();
+
+    return limit + limit / 64 + (UInt64(1) << 20);
+}
 
 bool optionIsTrue(const std::string &value)
 {
@@ -80,10 +86,11 @@ bool decodeBlock(const MetaImageHeader &header, std::vector<UInt8> &block,
 
     if(header.compressed)
     {
-        std::vector<UInt8> inflated(static_cast<size_t>(fileBytes));
+        // grows with what the data yields, not with what the header says
+        std::vector<UInt8> inflated;
 
-        if(!inflateVolumeData(block.data(), block.size(), inflated.data(),
-                              fileBytes))
+        if(!decompressVolumeData(VolumeZlib, block.data(), block.size(), 0,
+                                 fileBytes, inflated))
         {
             FWARNING(("MetaImage: compressed data in %s is corrupt or short\n",
                       source));
@@ -116,7 +123,8 @@ bool decodeBlock(const MetaImageHeader &header, std::vector<UInt8> &block,
 MHDImageFileType MHDImageFileType::_the("image/x-metaimage", mhdSuffixes,
                                         sizeof(mhdSuffixes),
                                         OSG_READ_SUPPORTED |
-                                            OSG_WRITE_SUPPORTED);
+                                            OSG_WRITE_SUPPORTED |
+                                            OSG_NAMES_OTHER_FILES);
 
 MHDImageFileType &MHDImageFileType::the(void)
 {
@@ -156,22 +164,12 @@ bool MHDImageFileType::read(ImagePtr &image, const Char8 *fileName)
 
     head.clear();
 
-    std::string dataName;
+    std::string dataName = fileName;
 
-    if(header.local)
-    {
-        dataName = fileName;
-    }
-    else
-    {
-        const std::string dir = volumeDirectoryOf(fileName);
-
-        if(header.dataFile[0] != '/' && !dir.empty() &&
-           volumeFileCanOpen(dir + header.dataFile))
-            dataName = dir + header.dataFile;
-        else if(volumeFileCanOpen(header.dataFile))
-            dataName = header.dataFile;
-    }
+    if(!header.local &&
+       volumeDataFilePath(fileName, header.dataFile, dataName, "MetaImage") !=
+           VolumeDataFileFound)
+        dataName.clear();
 
     UInt64 total = 0;
 
@@ -199,7 +197,7 @@ bool MHDImageFileType::read(ImagePtr &image, const Char8 *fileName)
     std::vector<UInt8> block;
 
     if(!volumeReadFile(dataName, start,
-                       blockBytes != 0 ? blockBytes : MaxCompressedBytes,
+                       blockBytes != 0 ? blockBytes : maxCompressedBytes(),
                        false, block))
     {
         FWARNING(("MetaImage: can not read the data file %s\n",
@@ -221,7 +219,7 @@ bool MHDImageFileType::read(ImagePtr &image, std::istream &is,
 
     std::vector<UInt8> bytes;
 
-    if(!volumeReadStream(is, MaxCompressedBytes + MaxVolumeHeaderBytes, bytes))
+    if(!volumeReadStream(is, maxCompressedBytes() + MaxVolumeHeaderBytes, bytes))
     {
         FWARNING(("MetaImage: error reading the stream\n"));
         return false;

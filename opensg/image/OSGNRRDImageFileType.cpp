@@ -18,15 +18,19 @@ const Char8 *nrrdSuffixes[] = {"nrrd", "nhdr"};
 
 const Char8 NRRDFilePrefix[7] = {'N', 'R', 'R', 'D', '0', '0', '0'};
 
-/// Room for a header in front of the largest volume we take.
-const UInt64 MaxStreamBytes = MaxVolumeBytes + (UInt64(1) << 20);
+/// Most of a stream that is read: text encodings take a few bytes a value.
+UInt64 maxStreamBytes(void)
+{
+    return 4 * volumeMaxBytes() + (UInt64(1) << 20);
+}
 
 } // namespace
 
 NRRDImageFileType NRRDImageFileType::_the("image/x-nrrd", nrrdSuffixes,
                                           sizeof(nrrdSuffixes),
                                           OSG_READ_SUPPORTED |
-                                              OSG_WRITE_SUPPORTED);
+                                              OSG_WRITE_SUPPORTED |
+                                              OSG_NAMES_OTHER_FILES);
 
 NRRDImageFileType &NRRDImageFileType::the(void)
 {
@@ -67,7 +71,7 @@ bool NRRDImageFileType::read(ImagePtr &image, std::istream &is,
 
     std::vector<UInt8> bytes;
 
-    if(!volumeReadStream(is, MaxStreamBytes, bytes))
+    if(!volumeReadStream(is, maxStreamBytes(), bytes))
     {
         FWARNING(("NRRD: error reading the stream\n"));
         return false;

@@ -3,15 +3,22 @@
 /// libpng reports errors by calling our handler, which logs and longjmps
 /// back to the setjmp in readHeader/readRows/writeImage. Those functions
 /// hold nothing but plain data between setjmp and the libpng calls, and
-/// every buffer libpng writes into is allocated by the caller outside them,
-/// so a jump never skips a destructor and never leaks.
+/// every buffer libpng writes into belongs to the caller, so a jump never
+/// skips a destructor and never leaks.
+///
+/// Decoded rows go into a buffer that grows row by row as libpng delivers
+/// them: a header that announces a huge image over a few bytes of data
+/// costs the rows that data holds, not the image it announced.
 
 #include <OpenSG/OSGPNGCodec.h>
+#include <OpenSG/OSGImageFileHandler.h>
 #include <OpenSG/OSGLog.h>
 
 #include <png.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <istream>
 #include <new>
@@ -21,10 +28,6 @@ OSG_BEGIN_NAMESPACE
 
 namespace
 {
-
-// Refuse anything whose decoded pixels would exceed this; a corrupt or
-// hostile header must not make us allocate gigabytes.
-const UInt64 MaxPixelBytes = UInt64(1) << 30;
 
 const double InchesPerMeter = 39.37007874;
 
@@ -109,6 +112,7 @@ struct HeaderInfo
     UInt32 ppmX;
     UInt32 ppmY;
     UInt64 rowBytes;
+    int    passes; ///< 7 for interlaced files, else 1
 };
 
 // Reads everything up to the image data and sets up the transformations.
@@ -134,7 +138,7 @@ bool readHeader(png_structp png, png_infop info, HeaderInfo *header)
     if(bitDepth == 16 && hostIsLittleEndian())
         png_set_swap(png);
 
-    png_set_interlace_handling(png);
+    header->passes = png_set_interlace_handling(png);
     png_read_update_info(png, info);
 
     header->width    = png_get_image_width(png, info);
@@ -151,17 +155,62 @@ bool readHeader(png_structp png, png_infop info, HeaderInfo *header)
     return true;
 }
 
-bool readRows(png_structp png, png_bytepp rows)
+/// Makes room for rows [0, count) in `data`, growing the capacity at most
+/// to the whole image.
+void growRows(std::vector<UInt8> &data, UInt64 rowBytes, UInt64 count,
+              UInt64 total)
+{
+    const UInt64 needed = count * rowBytes;
+
+    if(data.size() >= needed)
+        return;
+
+    if(data.capacity() < needed)
+        data.reserve(size_t(std::min(total, std::max(needed,
+                                                     2 * UInt64(data.capacity())))));
+    data.resize(size_t(needed));
+}
+
+/// The rows top first, each pass of an interlaced file over all of them
+/// as png_read_image does it. Throws std::bad_alloc (outside libpng).
+bool readRows(png_structp png, const HeaderInfo *header,
+              std::vector<UInt8> *data)
 {
     if(setjmp(png_jmpbuf(png)))
         return false;
 
-    png_read_image(png, rows);
+    const UInt64 total = header->rowBytes * header->height;
+
+    for(int pass = 0; pass < header->passes; ++pass)
+    {
+        for(UInt32 y = 0; y < header->height; ++y)
+        {
+            growRows(*data, header->rowBytes, UInt64(y) + 1, total);
+            png_read_row(png, data->data() + size_t(y) * header->rowBytes,
+                         nullptr);
+        }
+    }
 
     // Up to IEND, so that a file cut after the image data is still refused.
     png_read_end(png, nullptr);
 
     return true;
+}
+
+/// Image keeps the bottom row first.
+void flipRows(std::vector<UInt8> &data, size_t rowBytes, UInt32 height)
+{
+    std::vector<UInt8> row(rowBytes);
+
+    for(UInt32 top = 0, bottom = height - 1; top < bottom; ++top, --bottom)
+    {
+        UInt8 *a = data.data() + size_t(top) * rowBytes;
+        UInt8 *b = data.data() + size_t(bottom) * rowBytes;
+
+        std::memcpy(row.data(), a, rowBytes);
+        std::memcpy(a, b, rowBytes);
+        std::memcpy(b, row.data(), rowBytes);
+    }
 }
 
 bool writeImage(png_structp      png,
@@ -196,9 +245,6 @@ bool readPNG(std::istream &in, PNGPixels &out)
     out = PNGPixels();
     out.pixelsPerMeterX = 0;
     out.pixelsPerMeterY = 0;
-
-    // Allocated before any setjmp and released after the last one.
-    std::vector<png_bytep> rows;
 
     png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr,
                                              errorHandler, warningHandler);
@@ -237,13 +283,12 @@ bool readPNG(std::istream &in, PNGPixels &out)
         ok = false;
     }
 
-    UInt64 rowBytes = 0, total = 0;
-
     if(ok)
     {
-        rowBytes = UInt64(header.width) * header.channels *
-                   (header.bitDepth / 8);
-        total    = rowBytes * header.height; // both factors < 2^32: no wrap
+        const UInt64 rowBytes = UInt64(header.width) * header.channels *
+                                (header.bitDepth / 8);
+        const UInt64 total    = rowBytes * header.height; // < 2^64: no wrap
+        const UInt64 budget   = ImageFileHandler::the().getMaxImageBytes();
 
         if(rowBytes != header.rowBytes)
         {
@@ -253,12 +298,13 @@ bool readPNG(std::istream &in, PNGPixels &out)
                     static_cast<unsigned long long>(rowBytes)));
             ok = false;
         }
-        else if(total > MaxPixelBytes)
+        else if(total > budget)
         {
-            FFATAL(("PNG: a %ux%u image with %u channels of %u "
-                    "bits is too large to read\n",
-                    header.width, header.height, header.channels,
-                    header.bitDepth));
+            FWARNING(("PNG: a %ux%u image with %u channels of %u bits is "
+                      "larger than the %llu bytes allowed\n",
+                      header.width, header.height, header.channels,
+                      header.bitDepth,
+                      static_cast<unsigned long long>(budget)));
             ok = false;
         }
     }
@@ -267,8 +313,7 @@ bool readPNG(std::istream &in, PNGPixels &out)
     {
         try
         {
-            out.data.resize(size_t(total));
-            rows.resize(header.height);
+            ok = readRows(png, &header, &out.data);
         }
         catch(const std::bad_alloc &)
         {
@@ -278,17 +323,6 @@ bool readPNG(std::istream &in, PNGPixels &out)
         }
     }
 
-    if(ok)
-    {
-        // The file's top row becomes the last row: Image keeps rows bottom
-        // to top, as OpenGL does.
-        for(UInt32 i = 0; i < header.height; ++i)
-            rows[i] = out.data.data() +
-                      size_t(header.height - 1 - i) * size_t(rowBytes);
-
-        ok = readRows(png, rows.data());
-    }
-
     png_destroy_read_struct(&png, &info, nullptr);
 
     if(!ok)
@@ -296,6 +330,8 @@ bool readPNG(std::istream &in, PNGPixels &out)
         out = PNGPixels();
         return false;
     }
+
+    flipRows(out.data, size_t(header.rowBytes), header.height);
 
     out.width           = header.width;
     out.height          = header.height;

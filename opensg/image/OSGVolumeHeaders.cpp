@@ -2,7 +2,7 @@
 ///
 /// Every number in a header is parsed with strtoll/strtod (defined on
 /// overflow, unlike sscanf's %d), every size is multiplied with an
-/// overflow check against MaxVolumeBytes, and raw elements are assembled
+/// overflow check against volumeMaxBytes(), and raw elements are assembled
 /// byte by byte, so nothing here depends on the host's byte order or
 /// alignment and no header can make the caller allocate or read more than
 /// it announced and was allowed.
@@ -11,6 +11,9 @@
 #include <OpenSG/OSGGL.h>
 #include <OpenSG/OSGLog.h>
 
+#include <OpenSG/OSGImageFileHandler.h>
+
+#include <bzlib.h>
 #include <zlib.h>
 
 #include <algorithm>
@@ -20,9 +23,15 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <climits>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <sstream>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 OSG_BEGIN_NAMESPACE
 
@@ -90,7 +99,8 @@ int parseIntegers(const std::string &text, Int64 *values, int maxCount)
     return count;
 }
 
-/// As parseIntegers, for floating-point numbers (finite ones only).
+/// As parseIntegers, for floating-point numbers (whatever strtod reads,
+/// infinities and NaN included: the caller judges the values).
 int parseReals(const std::string &text, Real64 *values, int maxCount)
 {
     const char *pos   = text.c_str();
@@ -106,7 +116,7 @@ int parseReals(const std::string &text, Real64 *values, int maxCount)
         char  *end   = NULL;
         double value = std::strtod(pos, &end);
 
-        if(end == pos || !std::isfinite(value))
+        if(end == pos)
             break;
 
         values[count++] = value;
@@ -219,6 +229,11 @@ MetaTypes[] =
 };
 
 } // namespace
+
+UInt64 volumeMaxBytes(void)
+{
+    return ImageFileHandler::the().getMaxImageBytes();
+}
 
 // --- element types -----------------------------------------------------------
 
@@ -340,21 +355,22 @@ bool volumeByteCounts(const VolumeLayout &layout,
         return false;
     }
 
-    UInt64 voxels     = 0;
-    UInt64 components = 0;
+    UInt64       voxels     = 0;
+    UInt64       components = 0;
+    const UInt64 limit      = volumeMaxBytes();
 
-    if(!multiplyChecked(layout.width, layout.height, MaxVolumeBytes, voxels) ||
-       !multiplyChecked(voxels, layout.depth, MaxVolumeBytes, voxels) ||
-       !multiplyChecked(voxels, layout.channels, MaxVolumeBytes, components) ||
+    if(!multiplyChecked(layout.width, layout.height, limit, voxels) ||
+       !multiplyChecked(voxels, layout.depth, limit, voxels) ||
+       !multiplyChecked(voxels, layout.channels, limit, components) ||
        !multiplyChecked(components, volumeElementSize(layout.element),
-                        MaxVolumeBytes, fileBytes) ||
+                        limit, fileBytes) ||
        !multiplyChecked(components, volumeImageComponentSize(layout.element),
-                        MaxVolumeBytes, imageBytes))
+                        limit, imageBytes))
     {
         FWARNING(("%s: volume of %u x %u x %u voxels with %u channels is "
                   "larger than the %llu bytes allowed\n", what,
                   layout.width, layout.height, layout.depth, layout.channels,
-                  static_cast<unsigned long long>(MaxVolumeBytes)));
+                  static_cast<unsigned long long>(limit)));
         fileBytes  = 0;
         imageBytes = 0;
         return false;
@@ -507,92 +523,240 @@ bool encodeVolumeData(const VolumeLayout &layout,
     return true;
 }
 
-bool inflateVolumeData(const UInt8 *src, UInt64 srcSize,
-                       UInt8 *dst, UInt64 dstSize)
+namespace
 {
-    z_stream zs;
-    std::memset(&zs, 0, sizeof(zs));
 
-    // 15 window bits + 32: accept zlib and gzip headers alike
-    if(inflateInit2(&zs, 15 + 32) != Z_OK)
+/// One zlib or bzip2 stream behind one interface, ended on every way out.
+class Decompressor
+{
+  public:
+    enum Status
     {
-        FWARNING(("inflateVolumeData: zlib initialisation failed\n"));
+        More,  ///< needs more input or room (possibly nothing happened)
+        End,   ///< the stream ended cleanly
+        Failed ///< corrupt data or no memory
+    };
+
+    explicit Decompressor(VolumeCompression kind)
+        : _kind(kind), _ready(false)
+    {
+        std::memset(&_zs, 0, sizeof(_zs));
+        std::memset(&_bz, 0, sizeof(_bz));
+        begin();
+    }
+
+    ~Decompressor(void)
+    {
+        end();
+    }
+
+    Decompressor(const Decompressor &) = delete;
+    Decompressor &operator=(const Decompressor &) = delete;
+
+    bool ready(void) const
+    {
+        return _ready;
+    }
+
+    /// For the next stream after one that ended (gzip members).
+    bool restart(void)
+    {
+        end();
+        return begin();
+    }
+
+    /// Consumes what it can of [in, in + inLeft), writes at most room
+    /// bytes to out; moves in and inLeft on, tells how much came out.
+    Status run(const UInt8 *&in, UInt64 &inLeft, UInt8 *out, UInt64 room,
+               UInt64 &produced)
+    {
+        // both libraries count in 32 bits
+        const unsigned int Step = 1u << 30;
+        const unsigned int give = unsigned(std::min<UInt64>(inLeft, Step));
+        const unsigned int take = unsigned(std::min<UInt64>(room, Step));
+        int                code = 0;
+        unsigned int       inAfter = 0, outAfter = 0;
+
+        if(_kind == VolumeZlib)
+        {
+            _zs.next_in   = const_cast<Bytef *>(in);
+            _zs.avail_in  = give;
+            _zs.next_out  = out;
+            _zs.avail_out = take;
+            code          = inflate(&_zs, Z_NO_FLUSH);
+            inAfter       = _zs.avail_in;
+            outAfter      = _zs.avail_out;
+        }
+        else
+        {
+            _bz.next_in   = reinterpret_cast<char *>(const_cast<UInt8 *>(in));
+            _bz.avail_in  = give;
+            _bz.next_out  = reinterpret_cast<char *>(out);
+            _bz.avail_out = take;
+            code          = BZ2_bzDecompress(&_bz);
+            inAfter       = _bz.avail_in;
+            outAfter      = _bz.avail_out;
+        }
+
+        in       += give - inAfter;
+        inLeft   -= give - inAfter;
+        produced  = take - outAfter;
+
+        if(_kind == VolumeZlib)
+        {
+            if(code == Z_STREAM_END)
+                return End;
+            return code == Z_OK || code == Z_BUF_ERROR ? More : Failed;
+        }
+        if(code == BZ_STREAM_END)
+            return End;
+        return code == BZ_OK ? More : Failed;
+    }
+
+  private:
+    bool begin(void)
+    {
+        if(_kind == VolumeZlib)
+        {
+            std::memset(&_zs, 0, sizeof(_zs));
+            // 15 window bits + 32: zlib and gzip headers alike
+            _ready = inflateInit2(&_zs, 15 + 32) == Z_OK;
+        }
+        else
+        {
+            std::memset(&_bz, 0, sizeof(_bz));
+            _ready = BZ2_bzDecompressInit(&_bz, 0, 0) == BZ_OK;
+        }
+        return _ready;
+    }
+
+    void end(void)
+    {
+        if(!_ready)
+            return;
+        if(_kind == VolumeZlib)
+            inflateEnd(&_zs);
+        else
+            BZ2_bzDecompressEnd(&_bz);
+        _ready = false;
+    }
+
+    VolumeCompression _kind;
+    bool              _ready;
+    z_stream          _zs;
+    bz_stream         _bz;
+};
+
+} // namespace
+
+bool decompressVolumeData(VolumeCompression kind,
+                          const UInt8 *src, UInt64 srcSize,
+                          UInt64 skip, UInt64 wanted,
+                          std::vector<UInt8> &out)
+{
+    out.clear();
+
+    const char *name = kind == VolumeZlib ? "zlib" : "bzip2";
+
+    Decompressor stream(kind);
+
+    if(!stream.ready())
+    {
+        FWARNING(("decompressVolumeData: %s initialisation failed\n", name));
         return false;
     }
 
-    const uInt Chunk  = 1u << 30;
-    UInt64     inPos  = 0;
-    UInt64     outPos = 0;
-    int        status = Z_OK;
+    // After the wanted bytes the stream is read on to its end, for its
+    // checksum, but no further than this: a stream that runs on and on
+    // past what was asked for only costs time.
+    const UInt64 MaxTail = UInt64(1) << 20;
 
-    while(outPos < dstSize)
+    const UInt8 *in      = src;
+    UInt64       inLeft  = src != NULL ? srcSize : 0;
+    UInt64       skipped = 0, kept = 0, tail = 0;
+    UInt8        scratch[1 << 16];
+    bool         ended   = false, failed = false;
+
+    while(!failed)
     {
-        if(zs.avail_in == 0 && inPos < srcSize)
+        UInt8 *dst  = scratch;
+        UInt64 room = sizeof(scratch);
+
+        if(skipped < skip)
         {
-            UInt64 n    = std::min<UInt64>(srcSize - inPos, Chunk);
-            zs.next_in  = const_cast<Bytef *>(src + inPos);
-            zs.avail_in = uInt(n);
-            inPos      += n;
+            room = std::min<UInt64>(room, skip - skipped);
         }
-
-        UInt64 want  = std::min<UInt64>(dstSize - outPos, Chunk);
-        zs.next_out  = dst + outPos;
-        zs.avail_out = uInt(want);
-
-        status  = inflate(&zs, Z_NO_FLUSH);
-        outPos += want - zs.avail_out;
-
-        if(status == Z_STREAM_END)
-            break;
-        if(status == Z_OK)
-            continue;
-        // no progress: go on only if there is input left to hand over
-        if(status == Z_BUF_ERROR && zs.avail_in == 0 && inPos < srcSize)
-            continue;
-        break;
-    }
-
-    // All bytes are there; the stream must still end cleanly, so that its
-    // checksum is verified. More data after them is ignored.
-    while(outPos == dstSize && status != Z_STREAM_END)
-    {
-        if(zs.avail_in == 0 && inPos < srcSize)
+        else if(kept < wanted)
         {
-            UInt64 n    = std::min<UInt64>(srcSize - inPos, Chunk);
-            zs.next_in  = const_cast<Bytef *>(src + inPos);
-            zs.avail_in = uInt(n);
-            inPos      += n;
+            if(kept == out.size())
+            {
+                // grow by what has arrived so far: at most twice the data
+                const UInt64 grow = std::min<UInt64>(
+                    wanted - kept, std::max<UInt64>(kept, sizeof(scratch)));
+                try
+                {
+                    out.resize(size_t(kept + grow));
+                }
+                catch(const std::bad_alloc &)
+                {
+                    failed = true;
+                    break;
+                }
+            }
+            dst  = out.data() + kept;
+            room = out.size() - kept;
         }
-
-        UInt8 scratch[64];
-        zs.next_out  = scratch;
-        zs.avail_out = sizeof(scratch);
-
-        status = inflate(&zs, Z_NO_FLUSH);
-
-        if(status == Z_STREAM_END || zs.avail_out < sizeof(scratch))
+        else if(tail >= MaxTail)
         {
-            status = Z_STREAM_END;
+            ended = true;
             break;
         }
-        if(status == Z_OK)
-            continue;
-        if(status == Z_BUF_ERROR && zs.avail_in == 0 && inPos < srcSize)
-            continue;
-        break;
+
+        UInt64                   produced = 0;
+        const UInt64             before   = inLeft;
+        const Decompressor::Status status =
+            stream.run(in, inLeft, dst, room, produced);
+
+        if(skipped < skip)
+            skipped += produced;
+        else if(kept < wanted)
+            kept += produced;
+        else
+            tail += produced;
+
+        if(status == Decompressor::Failed)
+        {
+            failed = true;
+        }
+        else if(status == Decompressor::End)
+        {
+            // another stream may follow, as gzip members do
+            const bool needMore = skipped < skip || kept < wanted;
+
+            if(inLeft == 0 || !needMore)
+            {
+                ended = true;
+                break;
+            }
+            failed = !stream.restart();
+        }
+        else if(produced == 0 && inLeft == before)
+        {
+            break; // the input ends inside the stream
+        }
     }
 
-    inflateEnd(&zs);
-
-    if(outPos < dstSize || status != Z_STREAM_END)
+    if(failed || !ended || kept < wanted)
     {
-        FWARNING(("inflateVolumeData: compressed data gave %llu of %llu "
-                  "bytes (%s)\n",
-                  static_cast<unsigned long long>(outPos),
-                  static_cast<unsigned long long>(dstSize),
-                  status == Z_DATA_ERROR ? "corrupt data" : "too short"));
+        FWARNING(("decompressVolumeData: %s data gave %llu of %llu bytes "
+                  "(%s)\n", name, static_cast<unsigned long long>(kept),
+                  static_cast<unsigned long long>(wanted),
+                  failed ? "corrupt data" : "too short"));
+        std::vector<UInt8>().swap(out);
         return false;
     }
+
+    out.resize(size_t(kept));
     return true;
 }
 
@@ -626,6 +790,17 @@ std::string formatSliceThickness(const Real64 spacing[3])
     return text.str();
 }
 
+namespace
+{
+
+bool usableSpacing(double value)
+{
+    return std::isfinite(value) && value >= MinVolumeSpacing &&
+           value <= MaxVolumeSpacing;
+}
+
+} // namespace
+
 bool parseSliceThickness(const std::string &text, Real64 spacing[3])
 {
     double values[3] = { 1.0, 1.0, 1.0 };
@@ -635,7 +810,7 @@ bool parseSliceThickness(const std::string &text, Real64 spacing[3])
 
     for(int i = 0; i < 3; ++i)
     {
-        if(i >= read || !std::isfinite(values[i]) || values[i] <= 0.0)
+        if(i >= read || !usableSpacing(values[i]))
         {
             spacing[i] = 1.0;
             usable     = false;
@@ -644,6 +819,28 @@ bool parseSliceThickness(const std::string &text, Real64 spacing[3])
         {
             spacing[i] = values[i];
         }
+    }
+    return usable;
+}
+
+bool volumeCheckSpacing(Real64 spacing[3], const char *what)
+{
+    const std::string given = formatSliceThickness(spacing);
+    bool              usable = true;
+
+    for(int i = 0; i < 3; ++i)
+    {
+        if(!usableSpacing(spacing[i]))
+        {
+            spacing[i] = 1.0;
+            usable     = false;
+        }
+    }
+    if(!usable)
+    {
+        FWARNING(("%s: voxel spacing %s is not three finite positive "
+                  "numbers; %s is used\n", what, given.c_str(),
+                  formatSliceThickness(spacing).c_str()));
     }
     return usable;
 }
@@ -743,7 +940,12 @@ bool interpretDATHeader(const VolumeHeaderEntries &entries, DATHeader &header)
         }
         else if(key == "SliceThickness")
         {
-            parseSliceThickness(value, header.layout.spacing);
+            if(!parseSliceThickness(value, header.layout.spacing))
+            {
+                FWARNING(("DAT: SliceThickness '%s' is not three finite "
+                          "positive numbers; %s is used\n", value.c_str(),
+                          formatSliceThickness(header.layout.spacing).c_str()));
+            }
             header.layout.hasSpacing = true;
         }
         else
@@ -1062,10 +1264,10 @@ bool parseMetaImageHeader(const char *text, UInt64 size, MetaImageHeader &header
     layout.channels = UInt32(channels);
 
     for(int i = 0; i < 3; ++i)
-    {
-        layout.spacing[i] = (i < spaceCount && spacing[i] > 0.0) ? spacing[i]
-                                                                 : 1.0;
-    }
+        layout.spacing[i] = i < spaceCount ? spacing[i] : 1.0;
+
+    if(layout.hasSpacing)
+        volumeCheckSpacing(layout.spacing, "MetaImage");
 
     UInt64 fileBytes  = 0;
     UInt64 imageBytes = 0;
@@ -1129,29 +1331,116 @@ bool volumeReadStream(std::istream &is, UInt64 limit, std::vector<UInt8> &out)
     return !is.bad();
 }
 
+int volumeOpenRegularFile(const std::string &path, UInt64 &size,
+                          const char *what)
+{
+    size = 0;
+
+    // O_NONBLOCK: opening a FIFO must not wait for a writer
+    const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+
+    if(fd < 0)
+    {
+        FWARNING(("%s: can not open %s (%s)\n", what, path.c_str(),
+                  std::strerror(errno)));
+        return -1;
+    }
+
+    struct stat info;
+
+    if(::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode))
+    {
+        FWARNING(("%s: %s is not a regular file\n", what, path.c_str()));
+        ::close(fd);
+        return -1;
+    }
+
+    // reads from a regular file never block; plain blocking reads from here
+    const int flags = ::fcntl(fd, F_GETFL);
+    if(flags != -1)
+        ::fcntl(fd, F_SETFL, flags & ~O_NONBLOCK);
+
+    size = UInt64(info.st_size);
+    return fd;
+}
+
+void volumeCloseFile(int fd)
+{
+    if(fd >= 0)
+        ::close(fd);
+}
+
+namespace
+{
+
+/// Appends up to maxBytes from fd to out, growing as data arrives.
+bool readAppend(int fd, UInt64 maxBytes, std::vector<UInt8> &out)
+{
+    const size_t Chunk = size_t(1) << 24;
+    const UInt64 limit = out.size() + maxBytes;
+
+    while(out.size() < limit)
+    {
+        const size_t want = size_t(std::min<UInt64>(limit - out.size(), Chunk));
+        const size_t old  = out.size();
+
+        out.resize(old + want);
+
+        const ssize_t got = ::read(fd, out.data() + old, want);
+
+        if(got < 0 && errno == EINTR)
+        {
+            out.resize(old);
+            continue;
+        }
+        out.resize(old + size_t(std::max<ssize_t>(got, 0)));
+        if(got < 0)
+            return false;
+        if(got == 0)
+            break;
+    }
+    return true;
+}
+
+bool isGzip(int fd)
+{
+    UInt8 magic[2] = { 0, 0 };
+
+    return ::pread(fd, magic, 2, 0) == 2 && magic[0] == 0x1F &&
+           magic[1] == 0x8B;
+}
+
+} // namespace
+
 bool volumeReadFile(const std::string &path, UInt64 offset, UInt64 maxBytes,
                     bool gunzip, std::vector<UInt8> &out)
 {
-    out.clear();
+    UInt64    size = 0;
+    const int fd   = volumeOpenRegularFile(path, size, "volumeReadFile");
 
-    const size_t Chunk = size_t(1) << 24;
+    if(fd < 0)
+        return false;
 
-    if(gunzip)
+    bool ok = true;
+
+    if(gunzip && isGzip(fd))
     {
-        // gzread passes files without the gzip magic through unchanged
-        gzFile file = gzopen(path.c_str(), "rb");
+        // gzdopen takes the descriptor and gzclose closes it
+        gzFile file = gzdopen(fd, "rb");
 
         if(file == NULL)
+        {
+            volumeCloseFile(fd);
             return false;
+        }
 
-        bool ok = true;
-
-        // skip by reading: gzseek on a compressed file does the same
+        // A compressed offset can only be skipped by decompressing: that
+        // costs what the data holds, never what the header says.
         while(ok && offset > 0)
         {
-            UInt8  scratch[65536];
-            int    want = int(std::min<UInt64>(offset, sizeof(scratch)));
-            int    got  = gzread(file, scratch, unsigned(want));
+            UInt8 scratch[65536];
+            int   want = int(std::min<UInt64>(offset, sizeof(scratch)));
+            int   got  = gzread(file, scratch, unsigned(want));
 
             if(got < 0)
                 ok = false;
@@ -1160,9 +1449,12 @@ bool volumeReadFile(const std::string &path, UInt64 offset, UInt64 maxBytes,
             offset -= UInt64(got);
         }
 
-        while(ok && offset == 0 && out.size() < maxBytes)
+        const size_t Chunk = size_t(1) << 24;
+        const UInt64 limit = out.size() + maxBytes;
+
+        while(ok && offset == 0 && out.size() < limit)
         {
-            size_t want = size_t(std::min<UInt64>(maxBytes - out.size(), Chunk));
+            size_t want = size_t(std::min<UInt64>(limit - out.size(), Chunk));
             size_t old  = out.size();
 
             out.resize(old + want);
@@ -1171,7 +1463,7 @@ bool volumeReadFile(const std::string &path, UInt64 offset, UInt64 maxBytes,
 
             if(got < 0)
             {
-                ok = false;
+                ok  = false;
                 got = 0;
             }
             out.resize(old + size_t(got));
@@ -1180,47 +1472,15 @@ bool volumeReadFile(const std::string &path, UInt64 offset, UInt64 maxBytes,
         }
 
         gzclose(file);
-
-        if(!ok)
-            FWARNING(("volumeReadFile: read error in %s\n", path.c_str()));
-        return ok;
     }
-
-    FILE *file = std::fopen(path.c_str(), "rb");
-
-    if(file == NULL)
-        return false;
-
-    bool ok = true;
-
-    if(offset > 0)
+    else
     {
-        if(offset > UInt64(std::numeric_limits<long>::max()) ||
-           std::fseek(file, long(offset), SEEK_SET) != 0)
-        {
-            std::fclose(file);
-            return true; // nothing there to read
-        }
+        // an offset beyond the end leaves nothing to read: no seek needed
+        if(offset < size &&
+           ::lseek(fd, off_t(offset), SEEK_SET) == off_t(offset))
+            ok = readAppend(fd, std::min(maxBytes, size - offset), out);
+        volumeCloseFile(fd);
     }
-
-    while(out.size() < maxBytes)
-    {
-        size_t want = size_t(std::min<UInt64>(maxBytes - out.size(), Chunk));
-        size_t old  = out.size();
-
-        out.resize(old + want);
-
-        size_t got = std::fread(out.data() + old, 1, want, file);
-
-        out.resize(old + got);
-        if(got < want)
-        {
-            ok = !std::ferror(file);
-            break;
-        }
-    }
-
-    std::fclose(file);
 
     if(!ok)
         FWARNING(("volumeReadFile: read error in %s\n", path.c_str()));
@@ -1229,23 +1489,10 @@ bool volumeReadFile(const std::string &path, UInt64 offset, UInt64 maxBytes,
 
 bool volumeFileSize(const std::string &path, UInt64 &size)
 {
-    size = 0;
+    const int fd = volumeOpenRegularFile(path, size, "volumeFileSize");
 
-    FILE *file = std::fopen(path.c_str(), "rb");
-
-    if(file == NULL)
-        return false;
-
-    bool ok = std::fseek(file, 0, SEEK_END) == 0;
-    long end = ok ? std::ftell(file) : -1;
-
-    std::fclose(file);
-
-    if(end < 0)
-        return false;
-
-    size = UInt64(end);
-    return true;
+    volumeCloseFile(fd);
+    return fd >= 0;
 }
 
 bool volumeHostIsLittleEndian(void)
@@ -1257,15 +1504,59 @@ bool volumeHostIsLittleEndian(void)
     return first == 1;
 }
 
-bool volumeFileCanOpen(const std::string &path)
+VolumeDataFileResult volumeDataFilePath(const std::string &headerPath,
+                                        const std::string &name,
+                                        std::string       &path,
+                                        const char        *what)
 {
-    FILE *file = std::fopen(path.c_str(), "rb");
+    path.clear();
 
-    if(file == NULL)
-        return false;
+    if(name.empty())
+        return VolumeDataFileMissing;
 
-    std::fclose(file);
-    return true;
+    const bool        absolute = name[0] == '/';
+    const std::string folder   = volumeDirectoryOf(headerPath);
+    const std::string named    = absolute ? name : folder + name;
+
+    if(ImageFileHandler::the().getAllowOutsideDataFiles())
+    {
+        path = named;
+        return ::access(named.c_str(), F_OK) == 0 ? VolumeDataFileFound
+                                                   : VolumeDataFileMissing;
+    }
+
+    if(absolute)
+    {
+        FWARNING(("%s: the data file %s is an absolute path; data files must "
+                  "lie in the header's folder (see ImageFileHandler::"
+                  "setAllowOutsideDataFiles)\n", what, name.c_str()));
+        return VolumeDataFileRefused;
+    }
+
+    // compared with every link and ".." resolved
+    char resolvedRoot[PATH_MAX];
+    char resolvedFile[PATH_MAX];
+
+    if(::realpath(folder.empty() ? "." : folder.c_str(), resolvedRoot) == NULL)
+        return VolumeDataFileMissing;
+    if(::realpath(named.c_str(), resolvedFile) == NULL)
+        return VolumeDataFileMissing;
+
+    std::string root(resolvedRoot);
+
+    if(root.empty() || root[root.size() - 1] != '/')
+        root += '/';
+
+    if(std::strncmp(resolvedFile, root.c_str(), root.size()) != 0)
+    {
+        FWARNING(("%s: the data file %s lies outside the header's folder %s "
+                  "(see ImageFileHandler::setAllowOutsideDataFiles)\n", what,
+                  name.c_str(), root.c_str()));
+        return VolumeDataFileRefused;
+    }
+
+    path = resolvedFile;
+    return VolumeDataFileFound;
 }
 
 std::string volumeDirectoryOf(const std::string &path)

@@ -4,11 +4,17 @@
 /// Nothing here knows Image: headers are parsed from memory into a
 /// VolumeLayout, raw voxel bytes are converted from memory into the form
 /// Image keeps (host byte order, unsigned integers or 32-bit floats). So
-/// every step can be fed arbitrary bytes. Only the two file helpers at the
-/// end open files; the parsers never do.
+/// every step can be fed arbitrary bytes. Only the file helpers at the end
+/// open files; the parsers never do.
 ///
 /// Nothing throws. A header that is refused logs one warning and gives
 /// false; the caller's output is then unspecified and must not be used.
+///
+/// Hostile files: every size a header announces is checked against
+/// volumeMaxBytes() before anything is allocated or read; memory is sized
+/// by the data actually present (read or decompressed so far); data files
+/// a header names are regular files inside the header's folder tree unless
+/// the application allows more (ImageFileHandler).
 #ifndef _OSGVOLUMEHEADERS_H_
 #define _OSGVOLUMEHEADERS_H_
 
@@ -55,8 +61,16 @@ struct VolumeLayout
 };
 
 /// Largest voxel block (as stored in the file and as kept in memory) that
-/// a header may announce: Image counts the bytes of one level in 32 bits.
-const UInt64 MaxVolumeBytes = (UInt64(1) << 32) - 1;
+/// a header may announce: the image budget of ImageFileHandler
+/// (getMaxImageBytes), which Image::set obeys as well and an application
+/// may lower.
+UInt64 volumeMaxBytes(void);
+
+/// Voxel spacings outside this range (or not finite) fall back to 1 with a
+/// warning: the volume code works in 32-bit floats, where such values make
+/// extents of 0 or infinity.
+const Real64 MinVolumeSpacing = 1e-30;
+const Real64 MaxVolumeSpacing = 1e30;
 
 /// A text header (DAT, MetaImage) is a few lines; one that does not end
 /// within this many bytes is not taken for one.
@@ -90,7 +104,7 @@ Int32 volumeValueOffset(VolumeElement element);
 /// The byte counts of the voxel block in the file and in memory. False,
 /// with a warning that starts with `what`, when an edge is 0, the channel
 /// count is not 1 to 4, the element type is invalid, or either count
-/// exceeds MaxVolumeBytes (checked without overflow).
+/// exceeds volumeMaxBytes() (checked without overflow).
 bool volumeByteCounts(const VolumeLayout &layout,
                       UInt64             &fileBytes,
                       UInt64             &imageBytes,
@@ -112,10 +126,24 @@ bool encodeVolumeData(const VolumeLayout &layout,
                       const UInt8 *src, UInt64 srcSize,
                       std::vector<UInt8> &out);
 
-/// Inflates zlib or gzip data (the header decides) into exactly `dstSize`
-/// bytes. False when the stream is corrupt or yields fewer bytes.
-bool inflateVolumeData(const UInt8 *src, UInt64 srcSize,
-                       UInt8 *dst, UInt64 dstSize);
+/// The compressions a voxel block may come in.
+enum VolumeCompression
+{
+    VolumeZlib,  ///< zlib or gzip (the stream's header decides)
+    VolumeBzip2
+};
+
+/// Decompresses src: drops the first `skip` bytes the stream yields, keeps
+/// the next `wanted` bytes in `out`, and reads on to the stream's end so
+/// that its checksum is verified (more data after the kept bytes is
+/// ignored; streams that follow one another, as gzip members do, count as
+/// one). `out` grows with what the stream actually yields, never to
+/// `wanted` on the promise of a header. False, with a warning, when the
+/// data is corrupt or yields fewer bytes; `out` is then empty.
+bool decompressVolumeData(VolumeCompression kind,
+                          const UInt8 *src, UInt64 srcSize,
+                          UInt64 skip, UInt64 wanted,
+                          std::vector<UInt8> &out);
 
 /// zlib-compresses (deflate with a zlib header, as MetaImage expects).
 bool deflateVolumeData(const UInt8 *src, UInt64 srcSize,
@@ -126,9 +154,14 @@ bool deflateVolumeData(const UInt8 *src, UInt64 srcSize,
 std::string formatSliceThickness(const Real64 spacing[3]);
 
 /// Reads "x y z" the way the volume code does ("%lf %lf %lf"); values that
-/// are missing, not finite or not positive become 1. True iff three
-/// usable numbers were read.
+/// are missing, not finite or outside [MinVolumeSpacing, MaxVolumeSpacing]
+/// become 1. True iff three usable numbers were read.
 bool parseSliceThickness(const std::string &text, Real64 spacing[3]);
+
+/// Sets every spacing that is not finite or outside [MinVolumeSpacing,
+/// MaxVolumeSpacing] to 1, with one warning that starts with `what`. True
+/// when all three were usable.
+bool volumeCheckSpacing(Real64 spacing[3], const char *what);
 
 /// Every "key: value" (DAT) or "key = value" (MetaImage) line of a header,
 /// in file order.
@@ -206,11 +239,22 @@ std::string formatMetaImageHeader(const VolumeLayout &layout,
 
 // --- small helpers shared by the file types -----------------------------------
 
-/// Reads at most maxBytes of path, starting offset bytes in, appending to
-/// `out` as data arrives (a short file never costs the memory its header
-/// claimed). With gunzip, a gzip file is decompressed on the fly and the
-/// offset counts decompressed bytes; other files are read as they are.
-/// False only when the file can not be opened or read.
+/// Opens path for reading without ever blocking (a FIFO opens at once) and
+/// keeps it open only when it is a regular file, whose size goes to `size`.
+/// Anything else (missing, a directory, FIFO or device) gives -1 with a
+/// warning that starts with `what`.
+int volumeOpenRegularFile(const std::string &path, UInt64 &size,
+                          const char *what);
+
+/// Closes what volumeOpenRegularFile opened.
+void volumeCloseFile(int fd);
+
+/// Reads at most maxBytes of the regular file path, starting offset bytes
+/// in, and appends them to `out` as they arrive (a short file never costs
+/// the memory its header claimed). The offset is skipped by seeking. With
+/// gunzip, a gzip file is decompressed on the fly and the offset counts
+/// decompressed bytes; other files are read as they are. False, with a
+/// warning, when the file is no regular file or can not be read.
 bool volumeReadFile(const std::string &path, UInt64 offset, UInt64 maxBytes,
                     bool gunzip, std::vector<UInt8> &out);
 
@@ -219,11 +263,27 @@ bool volumeReadFile(const std::string &path, UInt64 offset, UInt64 maxBytes,
 /// more than it holds. False when the stream reports a read error.
 bool volumeReadStream(std::istream &is, UInt64 limit, std::vector<UInt8> &out);
 
-/// True when path can be opened for reading.
-bool volumeFileCanOpen(const std::string &path);
-
-/// The size of a file in bytes; false when it can not be opened.
+/// The size of a regular file in bytes; false, with a warning, otherwise.
 bool volumeFileSize(const std::string &path, UInt64 &size);
+
+/// What became of a data file that a header names.
+enum VolumeDataFileResult
+{
+    VolumeDataFileFound,
+    VolumeDataFileMissing, ///< no such file (no warning given)
+    VolumeDataFileRefused  ///< outside what the header may name (warned)
+};
+
+/// Where the data file `name`, named by the header at headerPath, is:
+/// relative names count from the header's folder. Unless ImageFileHandler
+/// allows outside data files, absolute names are refused, and the file,
+/// with ".." and symbolic links resolved, must lie inside the header's
+/// folder tree. `path` is what to open. Whether it is a regular file is
+/// checked when it is read.
+VolumeDataFileResult volumeDataFilePath(const std::string &headerPath,
+                                        const std::string &name,
+                                        std::string       &path,
+                                        const char        *what);
 
 /// True on little-endian hosts.
 bool volumeHostIsLittleEndian(void);

@@ -3,7 +3,10 @@
 #include <OpenSG/DXTBlocks.h>
 #include <OpenSG/DXTCompressor.h>
 
+#include <OpenSG/OSGImageFileHandler.h>
+
 #include <gtest/gtest.h>
+#include <support/LimitedRun.h>
 
 #include <algorithm>
 #include <cstring>
@@ -556,6 +559,47 @@ TEST(DXTCompressorImage, RefusesWithItsTexts)
     EXPECT_NE(std::string::npos, log.find("DXTCompressor::compressImage: Invalid image. " + refusal)) << log;
     EXPECT_EQ(kRGB, volume->getPixelFormat()) << "a refused image stays as it was";
     osg::subRefCP(volume);
+}
+
+TEST(DXTCompressorImage, ChecksEveryStepItDependsOn)
+{
+    // Scaling that finds no memory (here: beyond the image budget, as a
+    // 134217729 x 1 image scaled to 134217732 x 4 is beyond the default
+    // one) and images without pixels are refused, not read through a null
+    // pointer. In a child: a crash must not take the test program along.
+    const corvanetest::LimitedResult r = corvanetest::runLimited([]() {
+        osg::ImageFileHandler::the().setMaxImageBytes(32 << 20);
+
+        osg::ImagePtr wide = osg::Image::create();
+        osg::addRefCP(wide);
+        bool ok = wide->set(kRGBA, 4194305, 1) &&
+                  !DXTCompressor::the().compressImage(wide, DXTCompressor::Auto);
+
+        osg::ImagePtr empty = osg::Image::create();
+        osg::addRefCP(empty);
+        for(osg::Image::PixelFormat format : {kRGBA, kRGB})
+        {
+            empty->set(format, 8, 8, 1, 1, 1, 0.0, NULL, GL_UNSIGNED_BYTE, false);
+            ok = ok && !DXTCompressor::the().compressImage(empty, DXTCompressor::Auto);
+        }
+
+        // a format set by hand leaves three bytes a pixel behind
+        osg::ImagePtr rgb = makeImage(kRGB, 8, 8);
+        osg::beginEditCP(rgb, osg::Image::PixelFormatFieldMask);
+        rgb->setPixelFormat(kRGBA);
+        osg::endEditCP(rgb, osg::Image::PixelFormatFieldMask);
+        ok = ok && !DXTCompressor::the().compressImage(rgb, DXTCompressor::DXT5);
+        return ok;
+    });
+    EXPECT_EQ(r.signal, 0) << r.log;
+    EXPECT_TRUE(r.passed) << r.log;
+    const std::string refusal = "Boldly refusing to compress it.\n";
+    EXPECT_NE(std::string::npos, r.log.find("DXTCompressor::compressImage: Couldn't scale the "
+                                            "image to 4194308 x 4. " + refusal)) << r.log;
+    EXPECT_NE(std::string::npos, r.log.find("DXTCompressor::compressImage: The image holds no "
+                                            "8 x 8 pixels. " + refusal)) << r.log;
+    EXPECT_NE(std::string::npos, r.log.find("DXTCompressor::compressImage: Invalid pixel format "
+                                            "(6407 -- must be rgba). " + refusal)) << r.log;
 }
 
 TEST(DXTCompressorImage, AlreadyCompressedImages)

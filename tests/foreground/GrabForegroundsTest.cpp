@@ -22,6 +22,9 @@
 #include <cstdio>
 #include <string>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 using namespace osg;
 using namespace wintest;
 
@@ -429,4 +432,53 @@ TEST_F(GrabsFixture, ScreenDumpDropsAFileItCannotOpen)
     frame();
     EXPECT_TRUE(dump->getMFFilenames()->empty());
     EXPECT_EQ(pngMismatches(good, 64, 48, [](UInt32, UInt32) { return Red; }), 0u);
+}
+
+TEST_F(GrabsFixture, ScreenDumpNeverWritesThroughALinkOrIntoAFifo)
+{
+    ViewportPtr vp = port(0.f, 1.f, 0.f, 1.f, solid(Red));
+
+    char pattern[] = "/tmp/corvane_grab_dump_XXXXXX";
+    ASSERT_NE(mkdtemp(pattern), nullptr);
+    const std::string dir    = pattern;
+    const std::string victim = dir + "/victim.txt";
+    const std::string link   = dir + "/link.png";
+    const std::string fifo   = dir + "/fifo.png";
+    const std::string good   = dir + "/good.png";
+    {
+        std::FILE *f = std::fopen(victim.c_str(), "wb");
+        ASSERT_NE(f, nullptr);
+        std::fputs("keep me", f);
+        std::fclose(f);
+    }
+    ASSERT_EQ(symlink(victim.c_str(), link.c_str()), 0);
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+
+    ScreenDumpForegroundPtr dump = ScreenDumpForeground::create();
+    keep(dump);
+    beginEditCP(dump);
+    dump->setActive(true);
+    dump->getMFFilenames()->push_back(link);
+    dump->getMFFilenames()->push_back(fifo);
+    dump->getMFFilenames()->push_back(good);
+    endEditCP(dump);
+    vp->addForeground(dump);
+
+    // each name leaves the queue; a FIFO without a reader never blocks
+    frame();
+    frame();
+    frame();
+    EXPECT_TRUE(dump->getMFFilenames()->empty());
+
+    std::FILE *f = std::fopen(victim.c_str(), "rb");
+    ASSERT_NE(f, nullptr);
+    char text[16] = {};
+    EXPECT_EQ(std::fread(text, 1, sizeof(text), f), 7u);
+    std::fclose(f);
+    EXPECT_STREQ(text, "keep me");
+    EXPECT_EQ(pngMismatches(good, 64, 48, [](UInt32, UInt32) { return Red; }), 0u);
+
+    for(const std::string &name : {victim, link, fifo, good})
+        std::remove(name.c_str());
+    rmdir(dir.c_str());
 }

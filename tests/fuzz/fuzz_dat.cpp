@@ -31,8 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 
     if(header.objectFileName.empty() ||
        !volumeByteCounts(layout, fileBytes, imageBytes, "fuzz") ||
-       fileBytes == 0 || fileBytes > MaxVolumeBytes ||
-       imageBytes > MaxVolumeBytes || layout.channels < 1 ||
+       fileBytes == 0 || fileBytes > volumeMaxBytes() ||
+       imageBytes > volumeMaxBytes() || layout.channels < 1 ||
        layout.channels > 4)
         std::abort();
 

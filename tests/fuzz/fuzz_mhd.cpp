@@ -42,9 +42,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         std::vector<UInt8> inflated;
         if(header.compressed)
         {
-            inflated.resize(size_t(fileBytes));
-            if(!inflateVolumeData(block, have, inflated.data(), fileBytes))
+            if(!decompressVolumeData(VolumeZlib, block, have, 0, fileBytes, inflated))
                 return 0;
+            if(inflated.size() != fileBytes)
+                std::abort();
             block = inflated.data();
             have  = fileBytes;
         }

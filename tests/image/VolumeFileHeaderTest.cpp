@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <bzlib.h>
+
 #include <cmath>
 #include <cstring>
 #include <string>
@@ -368,25 +370,27 @@ TEST(VolumeConversion, ByteCountsRefuseOverflowAndHugeVolumes)
     LogCapture   log;
 
     layout.width = layout.height = 512;
-    layout.depth   = 1024;
+    layout.depth   = 1023;
     layout.element = VolumeFloat64;
     ASSERT_TRUE(volumeByteCounts(layout, fileBytes, imageBytes, "t"));
-    EXPECT_EQ(fileBytes, UInt64(2) << 30);
-    EXPECT_EQ(imageBytes, UInt64(1) << 30);
-    // 8 GiB of doubles are refused although 4 GiB of floats would be close
-    layout.width = layout.height = 1024;
+    EXPECT_EQ(fileBytes, UInt64(512 * 512 * 1023) * 8);
+    EXPECT_EQ(imageBytes, UInt64(512 * 512 * 1023) * 4);
+    // the doubles of the file count against the budget, although their
+    // floats would fit
+    layout.depth = 1024;
     EXPECT_FALSE(volumeByteCounts(layout, fileBytes, imageBytes, "t"));
-    EXPECT_NE(log.take().find("larger than"), std::string::npos);
+    EXPECT_NE(log.take().find("larger than the 2147483647 bytes allowed"), std::string::npos);
 
     layout.element = VolumeUInt8;
     layout.width = layout.height = layout.depth = 1u << 31;
     EXPECT_FALSE(volumeByteCounts(layout, fileBytes, imageBytes, "t"));
-    layout.width = layout.height = 65536;
-    layout.depth = 1;
-    EXPECT_FALSE(volumeByteCounts(layout, fileBytes, imageBytes, "t"))
-        << "exactly 4 GiB is one byte too many";
-    layout.width = 65535;
-    EXPECT_TRUE(volumeByteCounts(layout, fileBytes, imageBytes, "t"));
+    layout.width  = 0x7FFFFFFF;
+    layout.height = layout.depth = 1;
+    EXPECT_TRUE(volumeByteCounts(layout, fileBytes, imageBytes, "t"))
+        << "exactly the budget of Image";
+    layout.width = 0x80000000u;
+    EXPECT_FALSE(volumeByteCounts(layout, fileBytes, imageBytes, "t"));
+    layout.width    = 65535;
     layout.depth    = 1;
     layout.channels = 5;
     EXPECT_FALSE(volumeByteCounts(layout, fileBytes, imageBytes, "t"));
@@ -395,29 +399,61 @@ TEST(VolumeConversion, ByteCountsRefuseOverflowAndHugeVolumes)
     EXPECT_FALSE(volumeByteCounts(layout, fileBytes, imageBytes, "t"));
 }
 
-TEST(VolumeConversion, InflateNeedsTheWholeStream)
+TEST(VolumeConversion, DecompressionNeedsTheWholeStreamAndGrowsWithIt)
 {
     std::vector<UInt8> data(5000);
     for(size_t i = 0; i < data.size(); ++i)
         data[i] = UInt8((i * i) >> 3);
 
-    std::vector<UInt8> packed, back(data.size());
+    std::vector<UInt8> packed, back;
     ASSERT_TRUE(deflateVolumeData(data.data(), data.size(), packed));
-    ASSERT_TRUE(inflateVolumeData(packed.data(), packed.size(), back.data(),
-                                  back.size()));
+    ASSERT_TRUE(decompressVolumeData(VolumeZlib, packed.data(), packed.size(), 0,
+                                     data.size(), back));
     EXPECT_EQ(back, data);
 
+    // a skip drops the first bytes, fewer wanted than there are is fine
+    ASSERT_TRUE(decompressVolumeData(VolumeZlib, packed.data(), packed.size(), 1000, 10,
+                                     back));
+    EXPECT_EQ(back, std::vector<UInt8>(data.begin() + 1000, data.begin() + 1010));
+
     LogCapture log;
-    EXPECT_FALSE(inflateVolumeData(packed.data(), packed.size() / 2,
-                                   back.data(), back.size()));
+    EXPECT_FALSE(decompressVolumeData(VolumeZlib, packed.data(), packed.size() / 2, 0,
+                                      data.size(), back));
+    EXPECT_TRUE(back.empty());
     std::vector<UInt8> corrupt = packed;
     corrupt[corrupt.size() / 2] ^= 0xFF;
     corrupt[corrupt.size() / 2 + 1] ^= 0x5A;
-    EXPECT_FALSE(inflateVolumeData(corrupt.data(), corrupt.size(), back.data(),
-                                   back.size()));
-    std::vector<UInt8> bigger(data.size() + 1);
-    EXPECT_FALSE(inflateVolumeData(packed.data(), packed.size(), bigger.data(),
-                                   bigger.size()));
+    EXPECT_FALSE(decompressVolumeData(VolumeZlib, corrupt.data(), corrupt.size(), 0,
+                                      data.size(), back));
+    EXPECT_FALSE(decompressVolumeData(VolumeZlib, packed.data(), packed.size(), 0,
+                                      data.size() + 1, back));
+    EXPECT_FALSE(decompressVolumeData(VolumeZlib, packed.data(), packed.size(), 1,
+                                      data.size(), back));
+    EXPECT_NE(log.take().find("zlib data gave 4999 of 5000 bytes (too short)"),
+              std::string::npos);
+
+    // a promise of 1 GiB over three bytes costs three bytes' worth
+    EXPECT_FALSE(decompressVolumeData(VolumeZlib, packed.data(), 3, 0, UInt64(1) << 30,
+                                      back));
+    EXPECT_EQ(back.capacity(), 0u);
+
+    // bzip2, and streams that follow one another (gzip members)
+    std::vector<UInt8> bz(6000);
+    unsigned int       bzSize = unsigned(bz.size());
+    ASSERT_EQ(BZ2_bzBuffToBuffCompress(reinterpret_cast<char *>(bz.data()), &bzSize,
+                                       reinterpret_cast<char *>(data.data()),
+                                       unsigned(data.size()), 9, 0, 0),
+              BZ_OK);
+    bz.resize(bzSize);
+    ASSERT_TRUE(decompressVolumeData(VolumeBzip2, bz.data(), bz.size(), 0, data.size(), back));
+    EXPECT_EQ(back, data);
+    std::vector<UInt8> twice = bz;
+    twice.insert(twice.end(), bz.begin(), bz.end());
+    ASSERT_TRUE(decompressVolumeData(VolumeBzip2, twice.data(), twice.size(), 4000, 2000,
+                                     back));
+    EXPECT_EQ(back[999], data[4999]);
+    EXPECT_EQ(back[1000], data[0]);
+    EXPECT_FALSE(decompressVolumeData(VolumeBzip2, packed.data(), packed.size(), 0, 1, back));
 }
 
 TEST(VolumeConversion, SliceThicknessText)
@@ -563,10 +599,10 @@ TEST(VolumeNRRDMemory, RefusesBeforeAllocatingOrOpeningFiles)
 
     // the header alone reads without any voxels
     const std::string header = nrrdText("type: float\ndimension: 3\n"
-                                        "sizes: 1000 1000 1000\nendian: little\n"
+                                        "sizes: 800 800 800\nendian: little\n"
                                         "encoding: gzip\n",
                                         "");
     EXPECT_TRUE(readNRRDHeader(reinterpret_cast<const UInt8 *>(header.data()),
                                header.size(), layout));
-    EXPECT_EQ(layout.depth, 1000u);
+    EXPECT_EQ(layout.depth, 800u);
 }

@@ -3,7 +3,9 @@
 #include <OpenSG/TransferTables.h>
 
 #include <gtest/gtest.h>
+#include <support/LimitedRun.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <random>
@@ -190,6 +192,198 @@ TEST(TransferBakeHalf, EarlyEndFlattensOpacityAtTheHalfLimit)
                               alphaPoints({{0.f, 0.f}, {0.5f, 0.75f}}));
     for(UInt32 k = 0; k < 65536; k += 1021)
         ASSERT_EQ(table.bits(k, 3), halfBits(0.75f)) << "texel " << k;
+}
+
+// --- any list at linear cost ---------------------------------------------------------
+
+namespace
+{
+
+/// The bake as its description tells it: a walk over the texels, segment
+/// after segment in list order, t accumulated step by step. Quadratic for
+/// lists that jump back and forth, so only for small tables here; the
+/// reference the painted bake must match bit for bit.
+struct WalkTable
+{
+    WalkTable(UInt8 *table, UInt64 bytes, bool halves) : table(table), bytes(bytes), halves(halves)
+    {
+    }
+
+    void store(Int64 k, UInt32 channel, float v)
+    {
+        if(k < 0)
+            return;
+        if(halves)
+        {
+            const UInt64 offset = UInt64(k) * 8 + channel * 2;
+            if(offset + 2 > bytes)
+                return;
+            const unsigned short bits = v == 0.f ? 0 : Real16(v).bits();
+            std::memcpy(table + offset, &bits, 2);
+        }
+        else if(UInt64(k) * 4 + channel < bytes)
+        {
+            table[UInt64(k) * 4 + channel] = TransferTables::toByte(v);
+        }
+    }
+
+    UInt8 *table;
+    UInt64 bytes;
+    bool   halves;
+};
+
+void walkAlpha(WalkTable out, UInt32 texels, const AlphaPoints &points)
+{
+    AlphaPoints::const_iterator it = points.begin();
+    float                       a  = it->second;
+    Int32                       i  = TransferTables::texelIndex(it->first, texels);
+    for(Int64 k = 0; k < std::min<Int64>(i, texels); ++k)
+        out.store(k, 3, a);
+    for(++it; it != points.end(); ++it)
+    {
+        const Int32 next = TransferTables::texelIndex(it->first, texels);
+        const float step = 1.f / float(next - i);
+        float       t    = 0.f;
+        for(Int64 k = i; k < std::min<Int64>(next, texels); ++k)
+        {
+            out.store(k, 3, t * it->second + (1.f - t) * a);
+            t += step;
+        }
+        a = it->second;
+        i = next;
+    }
+    if(UInt32(std::max(i, 0)) < (out.halves ? 65536u : 256u))
+        for(Int64 k = 0; k < texels; ++k)
+            out.store(k, 3, a);
+}
+
+void walkColor(WalkTable out, UInt32 texels, const ColorPoints &points)
+{
+    auto store = [&out](Int64 k, const FloatColor &c) {
+        out.store(k, 0, c.r);
+        out.store(k, 1, c.g);
+        out.store(k, 2, c.b);
+    };
+    ColorPoints::const_iterator it = points.begin();
+    FloatColor                  c  = it->second;
+    Int32                       i  = TransferTables::texelIndex(it->first, texels);
+    for(Int64 k = 0; k < std::min<Int64>(i, texels); ++k)
+        store(k, c);
+    for(++it; it != points.end(); ++it)
+    {
+        const Int32 next = TransferTables::texelIndex(it->first, texels);
+        const float step = 1.f / float(next - i);
+        float       t    = 0.f;
+        for(Int64 k = i; k < std::min<Int64>(next, texels); ++k)
+        {
+            const FloatColor &d = it->second;
+            store(k, FloatColor(t * d.r + (1.f - t) * c.r, t * d.g + (1.f - t) * c.g,
+                                t * d.b + (1.f - t) * c.b));
+            t += step;
+        }
+        c = it->second;
+        i = next;
+    }
+    for(Int64 k = std::max(i, 0); k < (out.halves ? 65536 : 256); ++k)
+        store(k, c);
+}
+
+/// Lists that go back and forth, repeat positions, start before 0 and
+/// end past 1, with values inside and outside 0..1.
+float randomPosition(std::mt19937 &random)
+{
+    switch(random() % 8)
+    {
+        case 0: return 0.f;
+        case 1: return 1.f;
+        case 2: return -float(random() % 1000) / 400.f;
+        case 3: return 1.f + float(random() % 1000) / 400.f;
+        default: return float(random() % 100000) / 100000.f;
+    }
+}
+
+} // namespace
+
+TEST(TransferBakeLinear, AccumulatedEqualsRepeatedAddition)
+{
+    std::mt19937 random(11);
+    std::vector<UInt32> lengths = {1, 2, 3, 5, 7, 255, 256, 257, 1000, 65535, 65536, 65537,
+                                   131072, 1u << 24, (1u << 24) + 65536};
+    for(int i = 0; i < 40; ++i)
+        lengths.push_back(1 + random() % 140000);
+
+    for(UInt32 length : lengths)
+    {
+        const float  step = 1.f / float(length);
+        const UInt64 walk = std::min<UInt64>(length, 140000) + 5;
+        float        t    = 0.f;
+        for(UInt64 n = 0; n <= walk; ++n)
+        {
+            // every count near the start and the end, a sample between
+            if(n < 3000 || n + 100 > walk || n % 97 == 0)
+                ASSERT_EQ(TransferTables::accumulated(step, n), t)
+                    << "step 1/" << length << ", " << n << " additions";
+            t += step;
+        }
+    }
+}
+
+TEST(TransferBakeLinear, PaintedBakeEqualsTheWalkForAnyList)
+{
+    std::mt19937 random(5);
+    for(int round = 0; round < 300; ++round)
+    {
+        const bool   halves = round % 3 == 0;
+        const UInt32 texels = halves ? 65536 : (round % 3 == 1 ? 256 : 100 + random() % 400);
+        const UInt64 bytes  = UInt64(texels) * (halves ? 8 : 4) - (round % 5 == 0 ? 24 : 0);
+
+        AlphaPoints alpha;
+        ColorPoints color;
+        const int   count = 1 + int(random() % (halves ? 12 : 40));
+        for(int p = 0; p < count; ++p)
+        {
+            const float v = float(int(random() % 1400) - 200) / 1000.f;
+            alpha.push_back(std::make_pair(randomPosition(random), v));
+            color.push_back(std::make_pair(randomPosition(random), FloatColor(v, 1.f - v, 0.5f)));
+        }
+
+        std::vector<UInt8> painted(UInt64(texels) * 8 + 64, 0x3C), walked(painted);
+        TransferTables::bakeAlpha(painted.data(), bytes, halves, texels, alpha);
+        TransferTables::bakeColor(painted.data(), bytes, halves, texels, color);
+        walkAlpha(WalkTable(walked.data(), bytes, halves), texels, alpha);
+        walkColor(WalkTable(walked.data(), bytes, halves), texels, color);
+        ASSERT_TRUE(painted == walked) << "round " << round << ", " << count << " points";
+    }
+}
+
+TEST(TransferBakeLinear, ListsThatJumpBackAndForthCostOneTable)
+{
+    // 65536 points between 0 and 1: a walk would cover the half table
+    // 32768 times for each list (minutes); the painted bake covers it once.
+    // Run in a child with a time limit.
+    const corvanetest::LimitedResult r = corvanetest::runLimited(
+        []() {
+            AlphaPoints alpha;
+            ColorPoints color;
+            for(int p = 0; p < 65536; ++p)
+            {
+                alpha.push_back(std::make_pair(float(p & 1), float(p % 7) / 7.f));
+                color.push_back(std::make_pair(float(p & 1), FloatColor(0.f, 1.f, 0.f)));
+            }
+            HalfTable table;
+            TransferTables::bakeAlpha(table.data(), table.size(), true, 65536, alpha);
+            TransferTables::bakeColor(table.data(), table.size(), true, 65536, color);
+
+            // the last ramp, from point 65534 (at 0) to point 65535 (at 1)
+            const float a = float(65534 % 7) / 7.f, b = float(65535 % 7) / 7.f;
+            const float t = TransferTables::accumulated(1.f / 65536.f, 65535);
+            return table.bits(0, 3) == halfBits(a) &&
+                   table.bits(65535, 3) == halfBits(t * b + (1.f - t) * a) &&
+                   table.bits(65535, 1) == halfBits(1.f);
+        },
+        10);
+    EXPECT_EQ(r.signal, 0) << "killed: over the time limit";
+    EXPECT_TRUE(r.passed);
 }
 
 // --- the dependent table -----------------------------------------------------------------

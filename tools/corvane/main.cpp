@@ -15,6 +15,7 @@
 #include <OpenSG/OSGImage.h>
 #include <OpenSG/DXTCompressor.h>
 
+#include "Args.h"
 #include "DDSWriter.h"
 #include "DemoScene.h"
 #include "VolumeRenderer.h"
@@ -23,12 +24,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <vector>
+#include "OutputFile.h"
 
 #include <fstream>
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -317,8 +319,13 @@ int compressToDDS(int argc, char **argv)
     int result = 1;
     if(DXTCompressor::the().compressImage(flipped, format))
     {
-        std::ofstream out(argv[1], std::ios::binary);
-        if(corvane::writeDDS(flipped, out))
+        const bool written = corvane::writeOutputFile(argv[1], [&](const std::string &temp) {
+            std::ofstream out(temp.c_str(), std::ios::binary | std::ios::trunc);
+            const bool    ok = corvane::writeDDS(flipped, out);
+            out.close();
+            return ok && !out.fail();
+        });
+        if(written)
         {
             printf("%s: %dx%d, %llu bytes of %s\n", argv[1], flipped->getWidth(),
                    flipped->getHeight(), static_cast<unsigned long long>(flipped->getSize()),
@@ -330,18 +337,28 @@ int compressToDDS(int argc, char **argv)
             fprintf(stderr, "corvane: can't write '%s'\n", argv[1]);
         }
     }
+    else
+    {
+        fprintf(stderr, "corvane: can't compress '%s'\n", argv[0]);
+    }
     subRefCP(flipped);
     return result;
 }
 
-/// args: OUT.png [WIDTH HEIGHT]
+/// args: OUT.png [WIDTH HEIGHT], each edge 1 to 8192
 int renderScene(const char *name, char **args, int count)
 {
-    UInt32 width  = count == 3 ? UInt32(atoi(args[1])) : 800;
-    UInt32 height = count == 3 ? UInt32(atoi(args[2])) : 600;
-    if(width == 0 || height == 0 || width > 8192 || height > 8192)
+    unsigned width = 800, height = 600;
+    if(count == 3 && (!corvane::parseUInt(args[1], 1, 8192, width) ||
+                      !corvane::parseUInt(args[2], 1, 8192, height)))
+    {
+        fprintf(stderr, "corvane: WIDTH and HEIGHT must be whole numbers from 1 to 8192\n");
         return usage();
-    return corvane::renderDemoScene(name, args[0], width, height) ? 0 : 1;
+    }
+    const bool written = corvane::writeOutputFile(args[0], [&](const std::string &temp) {
+        return corvane::renderDemoScene(name, temp.c_str(), width, height);
+    });
+    return written ? 0 : 1;
 }
 
 } // namespace
