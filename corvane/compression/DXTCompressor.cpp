@@ -274,7 +274,7 @@ bool DXTCompressor::compressImage(osg::ImagePtr image, CompressedFormat format)
     osg::beginEditCP(image, Image::PixelFieldMask);
     image->set(target, Int32(width), Int32(height), 1, 1, 1, 0.0, NULL, GL_UNSIGNED_BYTE, true,
                1);
-    compressPixels(image->editData(), pixels.data(), width, height, Image::OSG_RGBA_PF, format);
+    compressPixels(image->getData(), pixels.data(), width, height, Image::OSG_RGBA_PF, format);
     osg::endEditCP(image, Image::PixelFieldMask);
     return true;
 }

@@ -26,8 +26,9 @@ class FieldContainer
     static const BitVector MTInfluenceMask;
     static const bool      isNodeCore = false;
 
-    /// Guards the typedef of cored-node pointers for non-core classes.
-    struct attempt_to_create_CoredNodePtr_on_non_NodeCore_FC {};
+    /// Never defined: <Class>NodePtr of a type that is no node core names
+    /// it, so using that pointer type fails to compile.
+    struct attempt_to_create_CoredNodePtr_on_non_NodeCore_FC;
 
     static FieldContainerType &getClassType(void) { return _type; }
     static UInt32 getClassTypeId(void) { return _type.getId(); }

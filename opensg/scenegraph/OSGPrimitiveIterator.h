@@ -50,7 +50,11 @@ class PrimitiveIterator
 
     /// Vertex number of the which-th vertex of this primitive within the
     /// whole geometry (the position in the index tuples).
-    Int32 getIndexIndex(Int32 which) const { return Int32(_actPointIndex) + which; }
+    Int32 getVertexIndex(Int32 which) const { return Int32(_actPointIndex) + which; }
+
+    /// Where the which-th vertex's index tuple starts in the index array
+    /// (vertex number times the index-mapping entries); -1 without indices.
+    Int32 getIndexIndex(Int32 which) const;
 
     /// The index of an attribute for the which-th vertex; -1 where the
     /// geometry has no such attribute or the mapping leaves it out.

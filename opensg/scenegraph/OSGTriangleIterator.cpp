@@ -67,20 +67,19 @@ void TriangleIterator::seek(Int32 index)
         ++(*this);
 }
 
-bool TriangleIterator::setCorners(UInt32 step)
+bool TriangleIterator::triangleCorners(UInt32 type, UInt32 len, UInt32 step, Int32 corner[3])
 {
-    UInt32 len = _primIt.getLength();
     if(len < 3)
         return false;
 
-    switch(_primIt.getType())
+    switch(type)
     {
         case GL_TRIANGLES:
             if(3 * step + 2 >= len)
                 return false;
-            _corner[0] = Int32(3 * step);
-            _corner[1] = Int32(3 * step + 1);
-            _corner[2] = Int32(3 * step + 2);
+            corner[0] = Int32(3 * step);
+            corner[1] = Int32(3 * step + 1);
+            corner[2] = Int32(3 * step + 2);
             return true;
 
         case GL_TRIANGLE_STRIP:
@@ -91,24 +90,24 @@ bool TriangleIterator::setCorners(UInt32 step)
             // keep the winding of the first
             if(step & 1)
             {
-                _corner[0] = Int32(step + 1);
-                _corner[1] = Int32(step);
+                corner[0] = Int32(step + 1);
+                corner[1] = Int32(step);
             }
             else
             {
-                _corner[0] = Int32(step);
-                _corner[1] = Int32(step + 1);
+                corner[0] = Int32(step);
+                corner[1] = Int32(step + 1);
             }
-            _corner[2] = Int32(step + 2);
+            corner[2] = Int32(step + 2);
             return true;
 
         case GL_TRIANGLE_FAN:
         case GL_POLYGON:
             if(step + 2 >= len)
                 return false;
-            _corner[0] = 0;
-            _corner[1] = Int32(step + 1);
-            _corner[2] = Int32(step + 2);
+            corner[0] = 0;
+            corner[1] = Int32(step + 1);
+            corner[2] = Int32(step + 2);
             return true;
 
         case GL_QUADS:
@@ -117,9 +116,9 @@ bool TriangleIterator::setCorners(UInt32 step)
             if(4 * quad + 3 >= len)
                 return false;
             Int32 a    = Int32(4 * quad);
-            _corner[0] = a;
-            _corner[1] = (step & 1) ? a + 2 : a + 1;
-            _corner[2] = (step & 1) ? a + 3 : a + 2;
+            corner[0] = a;
+            corner[1] = (step & 1) ? a + 2 : a + 1;
+            corner[2] = (step & 1) ? a + 3 : a + 2;
             return true;
         }
 
@@ -128,21 +127,25 @@ bool TriangleIterator::setCorners(UInt32 step)
     }
 }
 
+bool TriangleIterator::isDegenerate(const PrimitiveIterator &primIt, const Int32 corner[3])
+{
+    Int32 p0 = primIt.getPositionIndex(corner[0]);
+    Int32 p1 = primIt.getPositionIndex(corner[1]);
+    Int32 p2 = primIt.getPositionIndex(corner[2]);
+    return p0 == p1 || p1 == p2 || p0 == p2;
+}
+
 void TriangleIterator::findTriangle(void)
 {
     while(!_primIt.isAtEnd())
     {
-        if(setCorners(_step))
+        if(triangleCorners(_primIt.getType(), _primIt.getLength(), _step, _corner))
         {
             UInt32 type = _primIt.getType();
             if(type != GL_TRIANGLE_STRIP && type != GL_QUAD_STRIP)
                 return;
 
-            // strips use repeated vertices to restart; such triangles are empty
-            Int32 p0 = _primIt.getPositionIndex(_corner[0]);
-            Int32 p1 = _primIt.getPositionIndex(_corner[1]);
-            Int32 p2 = _primIt.getPositionIndex(_corner[2]);
-            if(p0 != p1 && p1 != p2 && p0 != p2)
+            if(!isDegenerate(_primIt, _corner))
                 return;
 
             ++_step;

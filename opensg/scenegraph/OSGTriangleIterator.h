@@ -38,7 +38,10 @@ class TriangleIterator
     /// The running number of the current triangle.
     Int32 getIndex(void) const { return _triIndex; }
     /// Vertex number (position in the index tuples) of corner which (0..2).
-    Int32 getIndex(Int32 which) const { return _primIt.getIndexIndex(_corner[which]); }
+    Int32 getIndex(Int32 which) const { return _primIt.getVertexIndex(_corner[which]); }
+    /// Where corner which's index tuple starts in the index array; -1
+    /// without indices.
+    Int32 getIndexIndex(Int32 which) const { return _primIt.getIndexIndex(_corner[which]); }
 
     UInt32 getType(void) const { return _primIt.getType(); }
     const PrimitiveIterator &getPrimitiveIterator(void) const { return _primIt; }
@@ -82,13 +85,18 @@ class TriangleIterator
     bool operator<(const TriangleIterator &other) const;
 
   private:
+    friend class FaceIterator;
+
+    /// Corners of triangle step of a primitive of the given GL type and
+    /// length; false when it has no more triangles.
+    static bool triangleCorners(UInt32 type, UInt32 length, UInt32 step, Int32 corner[3]);
+    /// Whether two corners share a position: strips repeat vertices to
+    /// restart, and such triangles are empty.
+    static bool isDegenerate(const PrimitiveIterator &primIt, const Int32 corner[3]);
+
     /// Finds the next triangle at or after the current position in the
     /// current primitive, moving on to later primitives as needed.
     void findTriangle(void);
-    /// Corners of triangle step in the current primitive; false when the
-    /// primitive has no more triangles.
-    bool setCorners(UInt32 step);
-
     PrimitiveIterator _primIt;
     Int32             _triIndex;
     UInt32            _step;      // triangle number within the primitive
