@@ -216,4 +216,13 @@ class MField : public Field
 
 OSG_END_NAMESPACE
 
+/// The same for MField<T1> and MField<T1, T2>.
+#define OSG_DLLEXPORT_MFIELD_DEF2(T1, T2, LIBMAP)                                  \
+    template <>                                                                    \
+    LIBMAP const OSG::FieldType OSG::MField<T1, T2>::_fieldType(                   \
+        OSG::MField<T1, T2>::MFieldTraits::getMName(), "Field",                    \
+        OSG::MField<T1, T2>::MFieldTraits::getType(), OSG::MField<T1, T2>::create, \
+        OSG::FieldType::MULTI_FIELD)
+#define OSG_DLLEXPORT_MFIELD_DEF1(T1, LIBMAP) OSG_DLLEXPORT_MFIELD_DEF2(T1, 0, LIBMAP)
+
 #endif

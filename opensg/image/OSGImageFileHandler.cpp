@@ -81,7 +81,7 @@ ImageFileHandler &ImageFileHandler::the(void)
 }
 
 ImageFileHandler::ImageFileHandler(void)
-    : _suffixTypeMap(), _mimeTypeMap(), _readFP(NULL)
+    : _suffixTypeMap(), _mimeTypeMap(), _readFP(NULL), _pathHandler(NULL)
 {
 }
 
@@ -220,11 +220,23 @@ ImagePtr ImageFileHandler::read(const Char8 *fileName, const Char8 *mimeType)
     return image;
 }
 
+PathHandler *ImageFileHandler::getPathHandler(void)
+{
+    return _pathHandler;
+}
+
+void ImageFileHandler::setPathHandler(PathHandler *pathHandler)
+{
+    _pathHandler = pathHandler;
+}
+
 bool ImageFileHandler::read(ImagePtr    &image,
                             const Char8 *fileName,
                             const Char8 *mimeType)
 {
-    const std::string fullPath = fileName != NULL ? fileName : "";
+    const std::string fullPath = fileName == NULL        ? ""
+                                 : _pathHandler != NULL ? _pathHandler->findFile(fileName)
+                                                        : fileName;
 
     if(fullPath.empty())
     {

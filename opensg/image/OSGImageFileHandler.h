@@ -8,6 +8,7 @@
 #define _OSGIMAGEFILEHANDLER_H_
 
 #include <OpenSG/OSGImageFileType.h>
+#include <OpenSG/OSGPathHandler.h>
 
 #include <iosfwd>
 #include <list>
@@ -77,6 +78,11 @@ class ImageFileHandler
     virtual bool setOptions(const Char8 *suffix, const Char8 *options);
     virtual const Char8 *getOptions(const Char8 *suffix);
 
+    /// Relative names given to read() are looked up through the path
+    /// handler when one is set (NULL by default); the caller keeps it.
+    virtual PathHandler *getPathHandler(void);
+    virtual void         setPathHandler(PathHandler *pathHandler);
+
     /// Logs every suffix with its mime type.
     void dump(void);
 
@@ -97,6 +103,7 @@ class ImageFileHandler
     TypeMap  _suffixTypeMap;
     TypeMap  _mimeTypeMap;
     readcbfp _readFP;
+    PathHandler *_pathHandler;
 
     ImageFileHandler(const ImageFileHandler &);
     void operator=(const ImageFileHandler &);

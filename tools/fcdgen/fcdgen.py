@@ -483,17 +483,8 @@ FieldContainerPtr {cb}::shallowCopy(void) const
     if not d.pointer_header:
         o.append('''DataType FieldDataTraits<{c}Ptr>::_type("{c}Ptr", "{pp}");
 
-template <>
-const FieldType SField<{c}Ptr, 0>::_fieldType("SF{c}Ptr", "Field",
-                                             FieldDataTraits<{c}Ptr>::getType(),
-                                             SField<{c}Ptr, 0>::create,
-                                             FieldType::SINGLE_FIELD);
-
-template <>
-const FieldType MField<{c}Ptr, 0>::_fieldType("MF{c}Ptr", "Field",
-                                             FieldDataTraits<{c}Ptr>::getType(),
-                                             MField<{c}Ptr, 0>::create,
-                                             FieldType::MULTI_FIELD);
+OSG_DLLEXPORT_SFIELD_DEF1({c}Ptr, OSG_SYSTEMLIB_DLLTMPLMAPPING);
+OSG_DLLEXPORT_MFIELD_DEF1({c}Ptr, OSG_SYSTEMLIB_DLLTMPLMAPPING);
 
 '''.format(c=c, pp=d.ptrparent))
     o.append('OSG_END_NAMESPACE\n')
