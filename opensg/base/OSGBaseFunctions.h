@@ -23,7 +23,8 @@ struct osgRealTypeOf
 };
 
 /// Keeps the second argument of a two-argument helper out of deduction, so
-/// that osgpow(2.f, 3) and osgMin(x, 0) compile.
+/// that osgpow(2.f, 3) compiles, as OpenSG's overloads for Real32 and Real64
+/// allow.
 template <class T>
 struct osgNonDeduced
 {
@@ -152,23 +153,23 @@ inline T osgabs(T v)
     return v < T(0) ? T(-v) : v;
 }
 
+// Both arguments of one type, as in OpenSG: osgMin(x, 0) with a float x
+// does not compile there either.
 template <class T>
-inline T osgMin(const T &a, const typename osgNonDeduced<T>::type &b)
+inline T osgMin(const T &a, const T &b)
 {
     return b < a ? b : a;
 }
 
 template <class T>
-inline T osgMax(const T &a, const typename osgNonDeduced<T>::type &b)
+inline T osgMax(const T &a, const T &b)
 {
     return a < b ? b : a;
 }
 
 /// Argument order as in OpenSG: (minimum, value, maximum).
 template <class T>
-inline T osgClamp(const typename osgNonDeduced<T>::type &minVal,
-                  const T                               &val,
-                  const typename osgNonDeduced<T>::type &maxVal)
+inline T osgClamp(const T &minVal, const T &val, const T &maxVal)
 {
     return val < minVal ? minVal : (maxVal < val ? maxVal : val);
 }

@@ -106,14 +106,16 @@ void PathHandler::push_frontWin32Path(const Char8 *pathList)
 
 void PathHandler::subUnixPath(const Char8 *pathList)
 {
-    PathList gone = splitPathList(pathList, ':');
-    for(PathList::const_iterator it = gone.begin(); it != gone.end(); ++it)
-        _pathList.remove(*it);
+    removePaths(splitPathList(pathList, ':'));
 }
 
 void PathHandler::subWin32Path(const Char8 *pathList)
 {
-    PathList gone = splitPathList(pathList, ';');
+    removePaths(splitPathList(pathList, ';'));
+}
+
+void PathHandler::removePaths(const PathList &gone)
+{
     for(PathList::const_iterator it = gone.begin(); it != gone.end(); ++it)
         _pathList.remove(*it);
 }

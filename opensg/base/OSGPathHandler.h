@@ -55,6 +55,7 @@ class PathHandler
     typedef std::list<std::string> PathList;
 
     static PathList splitPathList(const Char8 *pathList, Char8 separator);
+    void            removePaths(const PathList &gone);
 
     PathList    _pathList;    // each with a trailing '/'
     std::string _baseFilePath;

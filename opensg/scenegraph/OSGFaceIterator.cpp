@@ -3,71 +3,6 @@
 
 OSG_BEGIN_NAMESPACE
 
-FaceIterator::FaceIterator(void) : _primIt(), _faceIndex(0), _step(0), _length(0)
-{
-    _corner[0] = _corner[1] = _corner[2] = _corner[3] = 0;
-}
-
-FaceIterator::FaceIterator(const GeometryPtr &geo) : FaceIterator()
-{
-    setGeo(geo);
-}
-
-FaceIterator::FaceIterator(const NodePtr &geo) : FaceIterator()
-{
-    setGeo(geo);
-}
-
-void FaceIterator::setGeo(const GeometryPtr &geo)
-{
-    _primIt.setGeo(geo);
-    setToBegin();
-}
-
-void FaceIterator::setGeo(const NodePtr &geo)
-{
-    _primIt.setGeo(geo);
-    setToBegin();
-}
-
-void FaceIterator::setToBegin(void)
-{
-    _primIt.setToBegin();
-    _faceIndex = 0;
-    _step      = 0;
-    findFace();
-}
-
-void FaceIterator::setToEnd(void)
-{
-    _primIt.setToEnd();
-    _faceIndex = 0;
-    _step      = 0;
-    _length    = 0;
-}
-
-bool FaceIterator::isAtEnd(void) const
-{
-    return _primIt.isAtEnd();
-}
-
-FaceIterator &FaceIterator::operator++(void)
-{
-    if(isAtEnd())
-        return *this;
-    ++_faceIndex;
-    ++_step;
-    findFace();
-    return *this;
-}
-
-void FaceIterator::seek(Int32 index)
-{
-    setToBegin();
-    while(!isAtEnd() && _faceIndex < index)
-        ++(*this);
-}
-
 bool FaceIterator::setCorners(UInt32 step)
 {
     const UInt32 type = _primIt.getType();
@@ -114,7 +49,7 @@ bool FaceIterator::setCorners(UInt32 step)
     return TriangleIterator::triangleCorners(type, len, step, _corner);
 }
 
-void FaceIterator::findFace(void)
+void FaceIterator::findNext(void)
 {
     while(!_primIt.isAtEnd())
     {
@@ -130,26 +65,6 @@ void FaceIterator::findFace(void)
         _step = 0;
     }
     _length = 0;
-}
-
-bool FaceIterator::operator==(const FaceIterator &other) const
-{
-    if(getGeometry() != other.getGeometry())
-        return false;
-    if(isAtEnd() && other.isAtEnd())
-        return true;
-    if(isAtEnd() != other.isAtEnd())
-        return false;
-    return _faceIndex == other._faceIndex;
-}
-
-bool FaceIterator::operator<(const FaceIterator &other) const
-{
-    if(getGeometry() != other.getGeometry())
-        return false;
-    if(isAtEnd())
-        return false;
-    return other.isAtEnd() || _faceIndex < other._faceIndex;
 }
 
 OSG_END_NAMESPACE

@@ -3,70 +3,6 @@
 
 OSG_BEGIN_NAMESPACE
 
-TriangleIterator::TriangleIterator(void) : _primIt(), _triIndex(0), _step(0)
-{
-    _corner[0] = _corner[1] = _corner[2] = 0;
-}
-
-TriangleIterator::TriangleIterator(const GeometryPtr &geo) : TriangleIterator()
-{
-    setGeo(geo);
-}
-
-TriangleIterator::TriangleIterator(const NodePtr &geo) : TriangleIterator()
-{
-    setGeo(geo);
-}
-
-void TriangleIterator::setGeo(const GeometryPtr &geo)
-{
-    _primIt.setGeo(geo);
-    setToBegin();
-}
-
-void TriangleIterator::setGeo(const NodePtr &geo)
-{
-    _primIt.setGeo(geo);
-    setToBegin();
-}
-
-void TriangleIterator::setToBegin(void)
-{
-    _primIt.setToBegin();
-    _triIndex = 0;
-    _step     = 0;
-    findTriangle();
-}
-
-void TriangleIterator::setToEnd(void)
-{
-    _primIt.setToEnd();
-    _triIndex = 0;
-    _step     = 0;
-}
-
-bool TriangleIterator::isAtEnd(void) const
-{
-    return _primIt.isAtEnd();
-}
-
-TriangleIterator &TriangleIterator::operator++(void)
-{
-    if(isAtEnd())
-        return *this;
-    ++_triIndex;
-    ++_step;
-    findTriangle();
-    return *this;
-}
-
-void TriangleIterator::seek(Int32 index)
-{
-    setToBegin();
-    while(!isAtEnd() && _triIndex < index)
-        ++(*this);
-}
-
 bool TriangleIterator::triangleCorners(UInt32 type, UInt32 len, UInt32 step, Int32 corner[3])
 {
     if(len < 3)
@@ -135,7 +71,7 @@ bool TriangleIterator::isDegenerate(const PrimitiveIterator &primIt, const Int32
     return p0 == p1 || p1 == p2 || p0 == p2;
 }
 
-void TriangleIterator::findTriangle(void)
+void TriangleIterator::findNext(void)
 {
     while(!_primIt.isAtEnd())
     {
@@ -154,26 +90,6 @@ void TriangleIterator::findTriangle(void)
         ++_primIt;
         _step = 0;
     }
-}
-
-bool TriangleIterator::operator==(const TriangleIterator &other) const
-{
-    if(getGeometry() != other.getGeometry())
-        return false;
-    if(isAtEnd() && other.isAtEnd())
-        return true;
-    if(isAtEnd() != other.isAtEnd())
-        return false;
-    return _triIndex == other._triIndex;
-}
-
-bool TriangleIterator::operator<(const TriangleIterator &other) const
-{
-    if(getGeometry() != other.getGeometry())
-        return false;
-    if(isAtEnd())
-        return false;
-    return other.isAtEnd() || _triIndex < other._triIndex;
 }
 
 OSG_END_NAMESPACE

@@ -261,7 +261,7 @@ TEST(BaseFunctions, ScalarHelpers)
 {
     EXPECT_EQ(osgClamp(0.f, 1.5f, 1.f), 1.f);
     EXPECT_EQ(osgClamp(0, -3, 10), 0);
-    EXPECT_EQ(osgMin(2.5f, 1), 1.f);
+    EXPECT_EQ(osgMin(2.5f, 1.f), 1.f);
     EXPECT_EQ(osgMax(-1, 3), 3);
     EXPECT_EQ(osgabs(-2), 2);
     EXPECT_FLOAT_EQ(osgpow(2.f, 10), 1024.f);
