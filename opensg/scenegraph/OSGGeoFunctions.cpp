@@ -188,12 +188,7 @@ NodePtr makeLinesNode(const std::vector<Pnt3f> &points)
     lines->setLengths(lens);
     lines->setMaterial(getDefaultUnlitMaterial());
     endEditCP(lines);
-
-    NodePtr node = Node::create();
-    beginEditCP(node, Node::CoreFieldMask);
-    node->setCore(lines);
-    endEditCP(node, Node::CoreFieldMask);
-    return node;
+    return makeNodeFor(lines);
 }
 
 } // namespace
