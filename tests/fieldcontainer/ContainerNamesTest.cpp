@@ -63,6 +63,7 @@ TEST(ContainerNames, EditAccessorsOfTheWindowTypes)
     FBOViewportPtr fbo = FBOViewport::create();
     addRefCP(fbo);
     TextureChunkPtr tex = TextureChunk::create();
+    addRefCP(tex); // the viewport's list holds no reference
     beginEditCP(fbo, FBOViewport::TexturesFieldMask);
     fbo->editMFTextures()->push_back(tex);
     endEditCP(fbo, FBOViewport::TexturesFieldMask);
@@ -73,6 +74,7 @@ TEST(ContainerNames, EditAccessorsOfTheWindowTypes)
     const FBOViewport *cfbo = fbo.getCPtr();
     EXPECT_EQ(cfbo->getMFTextures()->size(), 1u);
     subRefCP(fbo);
+    subRefCP(tex);
 }
 
 TEST(ContainerNames, MFBoolElementsAreBits)
