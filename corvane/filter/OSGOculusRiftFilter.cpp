@@ -180,8 +180,8 @@ void OculusRiftFilter::updateShaderParameters(void)
     // The plain program has no such uniform.
     if(wanted)
         _shlChunk->setUniformParameter("ChromAbParam", getChromaAbCorrection());
-    else if(_shlChunk->hasUniformParameter("ChromAbParam"))
-        _shlChunk->subUniformParameter("ChromAbParam");
+    else
+        _shlChunk->subUniformParameter("ChromAbParam"); // false when it has none
 
     _shlChunk->setUniformParameter("ScaleIn", Vec2f(1.f, 1.f / aspect));
     _shlChunk->setUniformParameter("Scale", Vec2f(1.f / fit, aspect / fit));

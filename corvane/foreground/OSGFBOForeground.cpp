@@ -212,7 +212,7 @@ void FBOForeground::setTarget(Window *win, UInt32 glId, GLenum attachment, GLenu
             GL_FRAMEBUFFER_EXT, attachment, target, glId, 0);
     }
 
-    if(!glErr("setTarget post"))
+    if(!osgGlCheckError(__FILE__, __LINE__, "setTarget post"))
     {
         SWARNING << "Error with attachment: " << attachment << ", id: " << glId
                  << ", target: " << target << std::endl;

@@ -267,7 +267,7 @@ void PBOGrabForeground::draw(DrawActionBase *action, Viewport *port)
             if(img->getSize() == _bufferSize)
                 img->setData(mapped);
             else
-                std::memcpy(img->editData(), mapped, _bufferSize);
+                std::memcpy(img->getData(), mapped, _bufferSize);
 
             unmapBuffer(GL_PIXEL_PACK_BUFFER_ARB);
         }
@@ -279,7 +279,7 @@ void PBOGrabForeground::draw(DrawActionBase *action, Viewport *port)
     else if(img->getData() != NULL &&
             (target == GL_NONE || textureFits(target, texId, img, size)))
     {
-        readPixels(port, target, texId, img, w, h, img->editData());
+        readPixels(port, target, texId, img, w, h, img->getData());
     }
 
     beginEditCP(img, Image::PixelFieldMask);

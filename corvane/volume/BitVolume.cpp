@@ -60,7 +60,7 @@ bool BitVolume::calcBitVolumen(const ImagePtr &blockImage, const ImagePtr &saIma
         const UInt64  cells     = UInt64(w) * h * d;
         const UInt32  cellBytes = dataType == GL_UNSIGNED_SHORT ? 4 : 2;
         const UInt8  *grid      = blockImage->getData();
-        UInt8        *bits      = _bitVolumeImage->editData();
+        UInt8        *bits      = _bitVolumeImage->getData();
         // the sum is read as floats, whatever made it
         const Real32 *sum      = reinterpret_cast<const Real32 *>(saImage->getData());
         const UInt64  sumCount = sum != NULL ? saImage->getSize() / sizeof(Real32) : 0;

@@ -72,7 +72,7 @@ bool BlockVolume::calcBlockVolumen(VolumeData &volume, int blockSize)
         const UInt32 voxelBytes = dataType == GL_UNSIGNED_SHORT ? 2 : 1;
         const UInt64 cells      = UInt64(w / bs) * (h / bs) * (d / bs);
         const UInt8 *voxels     = image->getData();
-        UInt8       *out        = grid->editData();
+        UInt8       *out        = grid->getData();
         // the voxels are one channel of the type; both blocks must hold
         // what the grid walks over
         if(voxels != NULL && out != NULL &&

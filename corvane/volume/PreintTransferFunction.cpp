@@ -188,7 +188,7 @@ bool PreintTransferFunction::calcPreIntTable(ImagePtr transferFunction)
         {
             TransferTables::preIntegrateBytes(transferFunction->getData(),
                                               transferFunction->getSize(),
-                                              table->editData(), table->getSize());
+                                              table->getData(), table->getSize());
         }
     }
     else
@@ -198,7 +198,7 @@ bool PreintTransferFunction::calcPreIntTable(ImagePtr transferFunction)
         {
             TransferTables::integrateHalves(transferFunction->getData(),
                                             transferFunction->getSize(),
-                                            reinterpret_cast<Real32 *>(table->editData()));
+                                            reinterpret_cast<Real32 *>(table->getData()));
         }
     }
     endEditCP(table);

@@ -34,7 +34,7 @@ class TexelWriter
             if(offset + 2 > _bytes)
                 return;
             // an exact 0 needs no conversion
-            unsigned short bits = value == 0.f ? 0 : Real16::fromFloat(value);
+            unsigned short bits = value == 0.f ? 0 : Real16(value).bits();
             std::memcpy(_table + offset, &bits, 2);
         }
         else
@@ -96,7 +96,7 @@ inline unsigned short halfOf(double value)
     float f = float(value);
     if(value < 0.0 || f == 0.f)
         return 0;
-    return Real16::fromFloat(f);
+    return Real16(f).bits();
 }
 
 } // namespace

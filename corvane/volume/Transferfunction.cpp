@@ -265,7 +265,7 @@ ImagePtr Transferfunction::bakeCurrentPoints(int mode)
     return image;
 }
 
-void Transferfunction::attachTable(const ImagePtr &image)
+void Transferfunction::attachTable(ImagePtr image)
 {
     VolumeTextureUtils::ensure(_tfTexture);
     beginEditCP(_tfTexture);
@@ -307,7 +307,7 @@ void Transferfunction::setAlphaValues(ImagePtr &image, const AlphaPoints &points
     {
         // the mode, not the image's type, decides the layout
         const bool halves = _mode != 0;
-        TransferTables::bakeAlpha(image->editData(), image->getSize(), halves,
+        TransferTables::bakeAlpha(image->getData(), image->getSize(), halves,
                                   texelCount(image, halves), _alphaValues);
     }
     tableBaked();
@@ -320,7 +320,7 @@ void Transferfunction::setColorValues(ImagePtr &image, const ColorPoints &points
 
     if(image != NullFC)
     {
-        TransferTables::bakeColor(image->editData(), image->getSize(), _mode != 0,
+        TransferTables::bakeColor(image->getData(), image->getSize(), _mode != 0,
                                   texelCount(image, true), _colorValues);
     }
     tableBaked();
@@ -352,7 +352,7 @@ bool Transferfunction::calcSummedAreaTable(void)
     addRefCP(sum);
     beginEditCP(sum);
     sum->set(GL_ALPHA, w, rows, 1, 1, 1, 0.0, NULL, GL_FLOAT, true, 1);
-    Real32      *out   = reinterpret_cast<Real32 *>(sum->editData());
+    Real32      *out   = reinterpret_cast<Real32 *>(sum->getData());
     const UInt32 count = texelCount(table, halves);
     if(out != NULL && sum->getSize() >= UInt64(count) * sizeof(Real32))
     {
@@ -392,7 +392,7 @@ bool Transferfunction::calcDependTransferTextur(void)
     addRefCP(dt);
     beginEditCP(dt);
     dt->set(GL_ALPHA, n, n, 1, 1, 1, 0.0, NULL, GL_UNSIGNED_BYTE, true, 1);
-    UInt8 *out = dt->editData();
+    UInt8 *out = dt->getData();
     if(out != NULL && dt->getSize() >= UInt64(n) * n)
         TransferTables::maxOpacityTable(table->getData(), table->getSize(), n, out);
     endEditCP(dt);

@@ -138,7 +138,7 @@ class Transferfunction
 
     /// Attaches image to the table texture, making the chunk first if
     /// needed, with clamped wraps, GL_RGBA16 and linear filters.
-    void attachTable(const osg::ImagePtr &image);
+    void attachTable(osg::ImagePtr image);
 
     /// Marks the whole table texture dirty after a bake.
     void tableBaked(void);

@@ -88,7 +88,7 @@ void VolumeData::normalise(const ImagePtr &image, bool swapBytes)
                    UInt64(std::max(image->getDepth(), 0));
     // never beyond the pixels the image really has
     count        = std::min<UInt64>(count, image->getSize() / sizeof(UInt16));
-    UInt8 *data  = image->editData();
+    UInt8 *data  = image->getData();
     if(count == 0 || data == NULL)
         return;
 
@@ -322,7 +322,7 @@ bool VolumeData::resizeVolume(int multiple)
     const UInt32 voxelBytes = dataType == GL_UNSIGNED_SHORT ? 2 : 1;
     const UInt8 *old        = image->getData();
     if(old != NULL && image->getSize() >= UInt64(w) * h * d * voxelBytes)
-        VolumeGrids::padVolume(old, w, h, d, padded->editData(), pw, ph, pd, voxelBytes);
+        VolumeGrids::padVolume(old, w, h, d, padded->getData(), pw, ph, pd, voxelBytes);
     endEditCP(padded);
 
     beginEditCP(_volumeTexture);

@@ -335,72 +335,49 @@ const NodePtr Action::getNode(int index)
 
 // --- traverse ---------------------------------------------------------------------------
 
-namespace
-{
-
-Action::ResultE traverseEnter(NodePtr &node, const TraverseEnterFunctor &func)
-{
-    Action::ResultE res = func.call(node);
-    if(res != Action::Continue)
-        return res == Action::Skip ? Action::Continue : res;
-
-    for(UInt32 i = 0; i < node->getNChildren(); ++i)
-    {
-        NodePtr child = node->getChild(i);
-        res           = traverseEnter(child, func);
-        if(res != Action::Continue)
-            break;
-    }
-    return res;
-}
-
-Action::ResultE traverseEnterLeave(NodePtr &node, const TraverseEnterFunctor &enter,
-                                   const TraverseLeaveFunctor &leave)
-{
-    Action::ResultE res = enter.call(node);
-    if(res != Action::Continue)
-        return res == Action::Skip ? Action::Continue : res;
-
-    for(UInt32 i = 0; i < node->getNChildren(); ++i)
-    {
-        NodePtr child = node->getChild(i);
-        res           = traverseEnterLeave(child, enter, leave);
-        if(res != Action::Continue)
-            break;
-    }
-    res = leave.call(node, res);
-    return res == Action::Skip ? Action::Continue : res;
-}
-
-} // namespace
+// Enter runs for every node, a null one included; Skip leaves the children
+// out, Quit ends the walk. The leave functor always runs, after Quit too, and
+// what it returns is the result of its node.
 
 Action::ResultE traverse(NodePtr root, TraverseEnterFunctor func)
 {
-    if(root == NullFC)
+    Action::ResultE res = func.call(root);
+    if(root == NullFC || res == Action::Skip)
         return Action::Continue;
-    return traverseEnter(root, func);
+    if(res != Action::Continue)
+        return res;
+
+    for(UInt32 i = 0; i < root->getNChildren() && res == Action::Continue; ++i)
+        res = traverse(root->getChild(i), func);
+    return res;
 }
 
-Action::ResultE traverse(std::vector<NodePtr> &list, TraverseEnterFunctor func)
+Action::ResultE traverse(const std::vector<NodePtr> &list, TraverseEnterFunctor func)
 {
     Action::ResultE res = Action::Continue;
-    for(UInt32 i = 0; i < list.size() && res == Action::Continue; ++i)
+    for(UInt32 i = 0; i < list.size() && res != Action::Quit; ++i)
         res = traverse(list[i], func);
     return res;
 }
 
 Action::ResultE traverse(NodePtr root, TraverseEnterFunctor enter, TraverseLeaveFunctor leave)
 {
-    if(root == NullFC)
-        return Action::Continue;
-    return traverseEnterLeave(root, enter, leave);
+    Action::ResultE res = enter.call(root);
+    if(res == Action::Skip)
+        res = Action::Continue;
+    else if(res == Action::Continue && root != NullFC)
+    {
+        for(UInt32 i = 0; i < root->getNChildren() && res != Action::Quit; ++i)
+            res = traverse(root->getChild(i), enter, leave);
+    }
+    return leave.call(root, res);
 }
 
-Action::ResultE traverse(std::vector<NodePtr> &list, TraverseEnterFunctor enter,
+Action::ResultE traverse(const std::vector<NodePtr> &list, TraverseEnterFunctor enter,
                          TraverseLeaveFunctor leave)
 {
     Action::ResultE res = Action::Continue;
-    for(UInt32 i = 0; i < list.size() && res == Action::Continue; ++i)
+    for(UInt32 i = 0; i < list.size() && res != Action::Quit; ++i)
         res = traverse(list[i], enter, leave);
     return res;
 }

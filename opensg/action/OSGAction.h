@@ -145,10 +145,10 @@ typedef TypedFunctor2Base<Action::ResultE, CPtrRefCallArg<NodePtr>, ArgsCollecto
 /// Walks the subtree depth first, calling func on each node; Skip leaves out
 /// the children, Quit ends the walk.
 Action::ResultE traverse(NodePtr root, TraverseEnterFunctor func);
-Action::ResultE traverse(std::vector<NodePtr> &list, TraverseEnterFunctor func);
+Action::ResultE traverse(const std::vector<NodePtr> &list, TraverseEnterFunctor func);
 /// The same with a leave functor that gets the result of the children.
 Action::ResultE traverse(NodePtr root, TraverseEnterFunctor enter, TraverseLeaveFunctor leave);
-Action::ResultE traverse(std::vector<NodePtr> &list, TraverseEnterFunctor enter,
+Action::ResultE traverse(const std::vector<NodePtr> &list, TraverseEnterFunctor enter,
                          TraverseLeaveFunctor leave);
 
 OSG_END_NAMESPACE

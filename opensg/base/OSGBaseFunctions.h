@@ -23,7 +23,8 @@ struct osgRealTypeOf
 };
 
 /// Keeps the second argument of a two-argument helper out of deduction, so
-/// that osgpow(2.f, 3) and osgMin(x, 0) compile.
+/// that osgpow(2.f, 3) compiles, as OpenSG's overloads for Real32 and Real64
+/// allow.
 template <class T>
 struct osgNonDeduced
 {
@@ -32,18 +33,34 @@ struct osgNonDeduced
 
 // --- trigonometry and powers --------------------------------------------
 
+/// (degree / 360) * 2 * 3.1415926535, left to right in the result type, as
+/// OpenSG computes it: one unit in the last place off degree * pi / 180 for
+/// some inputs (1 and 16.66 degrees, for example).
 template <class T>
 inline typename osgRealTypeOf<T>::type osgdegree2rad(T degree)
 {
     typedef typename osgRealTypeOf<T>::type R;
-    return R(degree) * R(3.141592653589793238462643383279502884L) / R(180);
+    return R(degree) / R(360) * R(2) * R(3.1415926535);
 }
 
+/// (rad / (2 * 3.1415926535)) * 360 in the result type.
 template <class T>
 inline typename osgRealTypeOf<T>::type osgrad2degree(T rad)
 {
     typedef typename osgRealTypeOf<T>::type R;
-    return R(rad) * R(180) / R(3.141592653589793238462643383279502884L);
+    return R(rad) / (R(2) * R(3.1415926535)) * R(360);
+}
+
+template <class T>
+inline typename osgRealTypeOf<T>::type deg2rad(const T &degree)
+{
+    return osgdegree2rad(degree);
+}
+
+template <class T>
+inline typename osgRealTypeOf<T>::type rad2deg(const T &rad)
+{
+    return osgrad2degree(rad);
 }
 
 template <class T>
@@ -136,25 +153,32 @@ inline T osgabs(T v)
     return v < T(0) ? T(-v) : v;
 }
 
+// Both arguments of one type, as in OpenSG: osgMin(x, 0) with a float x
+// does not compile there either.
 template <class T>
-inline T osgMin(const T &a, const typename osgNonDeduced<T>::type &b)
+inline T osgMin(const T &a, const T &b)
 {
     return b < a ? b : a;
 }
 
 template <class T>
-inline T osgMax(const T &a, const typename osgNonDeduced<T>::type &b)
+inline T osgMax(const T &a, const T &b)
 {
     return a < b ? b : a;
 }
 
 /// Argument order as in OpenSG: (minimum, value, maximum).
 template <class T>
-inline T osgClamp(const typename osgNonDeduced<T>::type &minVal,
-                  const T                               &val,
-                  const typename osgNonDeduced<T>::type &maxVal)
+inline T osgClamp(const T &minVal, const T &val, const T &maxVal)
 {
     return val < minVal ? minVal : (maxVal < val ? maxVal : val);
+}
+
+/// -1, 0 or 1 by the sign of v.
+template <class T>
+inline Int8 osgSgn(T v)
+{
+    return v < T(0) ? Int8(-1) : (T(0) < v ? Int8(1) : Int8(0));
 }
 
 template <class T>
@@ -237,13 +261,23 @@ inline Int32 stringlen(const Char8 *s)
 
 OSG_END_NAMESPACE
 
-// ==========================================================================
-// Initialisation and exit (osgInit, osgExit, addInitFunction, ...).
-// Kept apart from the math helpers above.
-// ==========================================================================
+// --- random numbers and sleeping -------------------------------------------
 
 OSG_BEGIN_NAMESPACE
 
+/// A pseudo-random number in [0, 1] from rand().
+inline Real32 osgrand(void)
+{
+    return Real32(std::rand()) / Real32(RAND_MAX);
+}
+
+/// Sleeps for the given number of milliseconds.
+void osgsleep(UInt32 millisecs);
+
 OSG_END_NAMESPACE
+
+// Initialisation and exit (osgInit, osgExit, addInitFunction, ...) live in
+// their own header; every OpenSG program reaches them through this one.
+#include <OpenSG/OSGBaseInitFunctions.h>
 
 #endif

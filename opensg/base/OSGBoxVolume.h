@@ -30,6 +30,22 @@ class BoxVolume : public Volume
     const Pnt3f &getMin(void) const { return _min; }
     const Pnt3f &getMax(void) const { return _max; }
 
+    /// The minimum corner.
+    void getOrigin(Real32 &originX, Real32 &originY, Real32 &originZ) const
+    {
+        originX = _min[0];
+        originY = _min[1];
+        originZ = _min[2];
+    }
+    /// The edge lengths, max - min.
+    void getSize(Real32 &w, Real32 &h, Real32 &d) const
+    {
+        w = _max[0] - _min[0];
+        h = _max[1] - _min[1];
+        d = _max[2] - _min[2];
+    }
+    void getSize(Vec3f &vec) const { vec = _max - _min; }
+
     /// Each form sets the corners and then: valid (unless static), not
     /// empty, not infinite.
     void setBounds(Real32 w, Real32 h, Real32 d);

@@ -18,9 +18,11 @@
 
 #define OSG_FUNCNAME_MACRO __PRETTY_FUNCTION__
 
+// The late state of the 1.8 line, which the host core follows.
 #define OSG_MAJOR_VERSION 1
 #define OSG_MINOR_VERSION 8
-#define OSG_RELEASE_VERSION 0
+#define OSG_RELEASE_VERSION 1
+#define OSG_VERSION_STRING "1.8.1Alpha"
 
 // Two aspects unless ThreadManager::setNumAspects says otherwise.
 #define OSG_NUM_ASPECTS 2

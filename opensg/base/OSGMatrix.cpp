@@ -337,7 +337,10 @@ void TransformationMatrix<ValueTypeT>::getTransform(
 
     s.setValues(e[0] * flip, e[1] * flip, e[2] * flip);
     quatFromMat3(q, r);
-    quatFromMat3(u, so);
+    // OpenSG hands out the inverse (transposed) scale orientation, so
+    // setTransform(t, r, s, so) does not rebuild a matrix with a non-uniform
+    // scale; callers of both rely on that pairing.
+    quatFromMat3(transpose3(u), so);
 }
 
 template <class ValueTypeT>
@@ -360,6 +363,21 @@ void TransformationMatrix<ValueTypeT>::multFull(const PointType3f &src,
     }
     ValueType inv = ValueType(1) / w;
     dst.setValues(out[0] * inv, out[1] * inv, out[2] * inv);
+}
+
+template <class ValueTypeT>
+void TransformationMatrix<ValueTypeT>::multFullMatrixPnt(const PointType3f &src,
+                                                         PointType3f       &dst) const
+{
+    PointType h;
+    mult(PointType(src[0], src[1], src[2], ValueType(1)), h);
+    if(h[3] == ValueType(0))
+    {
+        dst.setValues(ValueType(0), ValueType(0), ValueType(0));
+        return;
+    }
+    ValueType inv = ValueType(1) / h[3];
+    dst.setValues(h[0] * inv, h[1] * inv, h[2] * inv);
 }
 
 template <class ValueTypeT>

@@ -29,19 +29,18 @@ class TransformationMatrix
 
     TransformationMatrix(void) { setIdentity(); }
 
-    /// Columns 0-2 (x, y, z); everything else as in the identity.
+    /// Columns 0-2 (x, y, z); everything else, the bottom row and m[3][3]
+    /// included, is 0.
     TransformationMatrix(const VectorType3f &c0, const VectorType3f &c1,
                          const VectorType3f &c2)
     {
-        setIdentity();
         setValue(c0, c1, c2);
     }
 
-    /// Columns 0-3 (x, y, z); the bottom row stays (0, 0, 0, 1).
+    /// Columns 0-3 (x, y, z); the bottom row, m[3][3] included, is 0.
     TransformationMatrix(const VectorType3f &c0, const VectorType3f &c1,
                          const VectorType3f &c2, const VectorType3f &c3)
     {
-        setIdentity();
         setValue(c0, c1, c2, c3);
     }
 
@@ -262,18 +261,23 @@ class TransformationMatrix
         mult(src, dst);
     }
     void multMatrixVec(VectorType3f &vec) const { mult(VectorType3f(vec), vec); }
-    void multFullMatrixPnt(const PointType3f &src, PointType3f &dst) const
+    /// M * (p, 1) divided by the resulting w; w == 0 gives (0, 0, 0)
+    /// without a message.
+    void multFullMatrixPnt(const PointType3f &src, PointType3f &dst) const;
+    void multFullMatrixPnt(PointType3f &pnt) const
     {
-        multFull(src, dst);
+        multFullMatrixPnt(PointType3f(pnt), pnt);
     }
     void multPntMatrix(const PointType3f &src, PointType3f &dst) const
     {
         multLeft(src, dst);
     }
+    void multPntMatrix(PointType3f &pnt) const { multLeft(PointType3f(pnt), pnt); }
     void multVecMatrix(const VectorType3f &src, VectorType3f &dst) const
     {
         multLeft(src, dst);
     }
+    void multVecMatrix(VectorType3f &vec) const { multLeft(VectorType3f(vec), vec); }
 
     PointType3f operator*(const PointType3f &p) const
     {

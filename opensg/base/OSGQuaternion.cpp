@@ -196,6 +196,21 @@ void QuaternionBase<ValueTypeT>::setValue(const MatrixType &m)
 }
 
 template <class ValueTypeT>
+void QuaternionBase<ValueTypeT>::setValue(ValueType alpha, ValueType beta,
+                                          ValueType gamma)
+{
+    const ValueType half = ValueType(0.5);
+    const ValueType sx = std::sin(alpha * half), cx = std::cos(alpha * half);
+    const ValueType sy = std::sin(beta * half), cy = std::cos(beta * half);
+    const ValueType sz = std::sin(gamma * half), cz = std::cos(gamma * half);
+
+    _quat[0] = sx * cy * cz - cx * sy * sz;
+    _quat[1] = cx * sy * cz + sx * cy * sz;
+    _quat[2] = cx * cy * sz - sx * sy * cz;
+    _quat[3] = cx * cy * cz + sx * sy * sz;
+}
+
+template <class ValueTypeT>
 void QuaternionBase<ValueTypeT>::setValue(const VectorType &from,
                                           const VectorType &to)
 {

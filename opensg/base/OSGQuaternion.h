@@ -53,6 +53,9 @@ class QuaternionBase
     /// From the rotation in the upper 3x3 of an orthonormal matrix.
     void setValue(const MatrixType &matrix);
     void setValue(const VectorType &from, const VectorType &to);
+    /// From Euler angles in radians: the rotation by alpha about x, then by
+    /// beta about y, then by gamma about z (Rz * Ry * Rx).
+    void setValue(ValueType alpha, ValueType beta, ValueType gamma);
 
     const ValueType *getValues(void) const { return _quat; }
 

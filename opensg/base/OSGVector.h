@@ -395,7 +395,20 @@ class Vector : public Point<ValueTypeT, SizeI>
         return r;
     }
 
-    void crossThis(const Vector &v) { *this = cross(v); }
+    /// In place: only x, y and z change, so a 4th component keeps its
+    /// value; a vector of fewer than three components stays as it is.
+    void crossThis(const Vector &v)
+    {
+        if(SizeI < 3)
+        {
+            std::fprintf(stderr, "Vector::crossThis: needs at least three "
+                                 "components\n");
+            return;
+        }
+        Vector r = cross(v);
+        for(UInt32 i = 0; i < 3 && i < SizeI; ++i)
+            this->_values[i] = r[i];
+    }
 
     /// Angle between the two vectors in radians; 0 when either is ~zero.
     RealReturnType enclosedAngle(const Vector &v) const

@@ -5,96 +5,10 @@
 #include <OpenSG/OSGFieldDataType.h>
 
 #include <algorithm>
+#include <type_traits>
 #include <vector>
 
 OSG_BEGIN_NAMESPACE
-
-/// Storage for lists of bool: real bool objects, so that an element can be
-/// handed out as bool& like any other field value.
-class MFieldBoolVector
-{
-  public:
-    typedef bool        value_type;
-    typedef bool       *iterator;
-    typedef const bool *const_iterator;
-    typedef std::reverse_iterator<iterator>       reverse_iterator;
-    typedef std::reverse_iterator<const_iterator> const_reverse_iterator;
-    typedef bool       &reference;
-    typedef const bool &const_reference;
-    typedef size_t      size_type;
-
-    iterator begin(void) { return data(); }
-    iterator end(void) { return data() + _v.size(); }
-    const_iterator begin(void) const { return data(); }
-    const_iterator end(void) const { return data() + _v.size(); }
-    reverse_iterator rbegin(void) { return reverse_iterator(end()); }
-    reverse_iterator rend(void) { return reverse_iterator(begin()); }
-    const_reverse_iterator rbegin(void) const { return const_reverse_iterator(end()); }
-    const_reverse_iterator rend(void) const { return const_reverse_iterator(begin()); }
-
-    bool *data(void) { return reinterpret_cast<bool *>(_v.data()); }
-    const bool *data(void) const { return reinterpret_cast<const bool *>(_v.data()); }
-
-    size_type size(void) const { return _v.size(); }
-    size_type capacity(void) const { return _v.capacity(); }
-    bool empty(void) const { return _v.empty(); }
-    void clear(void) { _v.clear(); }
-    void reserve(size_type n) { _v.reserve(n); }
-    void resize(size_type n, bool value = false) { _v.resize(n, Elem{value}); }
-    void push_back(bool value) { _v.push_back(Elem{value}); }
-    void swap(MFieldBoolVector &other) { _v.swap(other._v); }
-
-    reference operator[](size_type i) { return data()[i]; }
-    const_reference operator[](size_type i) const { return data()[i]; }
-    reference front(void) { return data()[0]; }
-    reference back(void) { return data()[_v.size() - 1]; }
-    const_reference front(void) const { return data()[0]; }
-    const_reference back(void) const { return data()[_v.size() - 1]; }
-
-    iterator insert(iterator pos, bool value)
-    {
-        size_t i = pos - begin();
-        _v.insert(_v.begin() + i, Elem{value});
-        return begin() + i;
-    }
-    iterator erase(iterator pos)
-    {
-        size_t i = pos - begin();
-        _v.erase(_v.begin() + i);
-        return begin() + i;
-    }
-    iterator erase(iterator first, iterator last)
-    {
-        size_t i = first - begin(), j = last - begin();
-        _v.erase(_v.begin() + i, _v.begin() + j);
-        return begin() + i;
-    }
-
-    bool operator==(const MFieldBoolVector &o) const
-    {
-        return std::equal(begin(), end(), o.begin(), o.end());
-    }
-
-  private:
-    struct Elem
-    {
-        bool b;
-    };
-    static_assert(sizeof(Elem) == sizeof(bool), "bool element must not be padded");
-    std::vector<Elem> _v;
-};
-
-template <class T>
-struct MFieldVectorSelect
-{
-    typedef std::vector<T> Type;
-};
-
-template <>
-struct MFieldVectorSelect<bool>
-{
-    typedef MFieldBoolVector Type;
-};
 
 template <class FieldTypeT, Int32 fieldNameSpace = 0>
 class MField : public Field
@@ -102,15 +16,17 @@ class MField : public Field
   public:
     typedef typename FieldTraitsSelect<FieldTypeT, fieldNameSpace>::Traits MFieldTraits;
     typedef MField<FieldTypeT, fieldNameSpace> Self;
-    typedef typename MFieldVectorSelect<FieldTypeT>::Type StorageType;
+    /// A std::vector, std::vector<bool> for MFBool: its elements are bits,
+    /// handed out through the vector's own reference types.
+    typedef std::vector<FieldTypeT> StorageType;
     typedef StorageType MFieldVector;
     typedef FieldTypeT StoredType;
     typedef typename StorageType::iterator               iterator;
     typedef typename StorageType::const_iterator         const_iterator;
     typedef typename StorageType::reverse_iterator       reverse_iterator;
     typedef typename StorageType::const_reverse_iterator const_reverse_iterator;
-    typedef FieldTypeT       &reference;
-    typedef const FieldTypeT &const_reference;
+    typedef typename StorageType::reference       reference;
+    typedef typename StorageType::const_reference const_reference;
     typedef const FieldTypeT &ArgumentType;
 
     static const FieldType _fieldType;
@@ -220,18 +136,31 @@ class MField : public Field
 
     void syncWith(Self &source) { setValues(source); }
 
+    // The elements of an MFBool are bits, so it goes element by element,
+    // one byte each; all other types in one array call.
+
     UInt32 getBinSize(void)
     {
-        return UInt32(sizeof(UInt32)) +
-               (_values.empty() ? 0 : MFieldTraits::getBinSize(&_values[0], size()));
+        if constexpr(std::is_same<FieldTypeT, bool>::value)
+            return UInt32(sizeof(UInt32)) + size();
+        else
+            return UInt32(sizeof(UInt32)) +
+                   (_values.empty() ? 0 : MFieldTraits::getBinSize(&_values[0], size()));
     }
 
     void copyToBin(BinaryDataHandler &pMem)
     {
         UInt32 n = size();
         pMem.putValue(n);
-        if(n != 0)
+        if constexpr(std::is_same<FieldTypeT, bool>::value)
+        {
+            for(UInt32 i = 0; i < n; ++i)
+                pMem.putValue(bool(_values[i]));
+        }
+        else if(n != 0)
+        {
             MFieldTraits::copyToBin(pMem, &_values[0], n);
+        }
     }
 
     /// Reads the count, then the elements; a list that claims more elements
@@ -247,7 +176,19 @@ class MField : public Field
         {
             UInt32 count = std::min(chunk, n - done);
             _values.resize(done + count);
-            MFieldTraits::copyFromBin(pMem, &_values[done], count);
+            if constexpr(std::is_same<FieldTypeT, bool>::value)
+            {
+                for(UInt32 i = 0; i < count; ++i)
+                {
+                    bool b = false;
+                    pMem.getValue(b);
+                    _values[done + i] = b;
+                }
+            }
+            else
+            {
+                MFieldTraits::copyFromBin(pMem, &_values[done], count);
+            }
             done += count;
         }
         if(pMem.hasReadError())
@@ -274,5 +215,14 @@ class MField : public Field
 };
 
 OSG_END_NAMESPACE
+
+/// The same for MField<T1> and MField<T1, T2>.
+#define OSG_DLLEXPORT_MFIELD_DEF2(T1, T2, LIBMAP)                                  \
+    template <>                                                                    \
+    LIBMAP const OSG::FieldType OSG::MField<T1, T2>::_fieldType(                   \
+        OSG::MField<T1, T2>::MFieldTraits::getMName(), "Field",                    \
+        OSG::MField<T1, T2>::MFieldTraits::getType(), OSG::MField<T1, T2>::create, \
+        OSG::FieldType::MULTI_FIELD)
+#define OSG_DLLEXPORT_MFIELD_DEF1(T1, LIBMAP) OSG_DLLEXPORT_MFIELD_DEF2(T1, 0, LIBMAP)
 
 #endif

@@ -89,4 +89,15 @@ class SField : public Field
 
 OSG_END_NAMESPACE
 
+/// Define the field type of SField<T1> or SField<T1, T2> (inside namespace
+/// osg), as OpenSG's generated container code does for its pointer fields.
+/// LIBMAP is the export decoration (empty on Linux).
+#define OSG_DLLEXPORT_SFIELD_DEF2(T1, T2, LIBMAP)                                  \
+    template <>                                                                    \
+    LIBMAP const OSG::FieldType OSG::SField<T1, T2>::_fieldType(                   \
+        OSG::SField<T1, T2>::SFieldTraits::getSName(), "Field",                    \
+        OSG::SField<T1, T2>::SFieldTraits::getType(), OSG::SField<T1, T2>::create, \
+        OSG::FieldType::SINGLE_FIELD)
+#define OSG_DLLEXPORT_SFIELD_DEF1(T1, LIBMAP) OSG_DLLEXPORT_SFIELD_DEF2(T1, 0, LIBMAP)
+
 #endif

@@ -61,6 +61,11 @@ class ChangeList
     void setAspect(UInt32 uiAspectId);
     UInt32 getAspect(void) const { return _uiAspectId; }
     void setReadOnly(bool bReadOnly) { _bReadOnly = bReadOnly; }
+
+    /// OpenSG's switch that makes new lists record. Lists here record from
+    /// the start, so it changes nothing; programs that call it before
+    /// osgInit work unchanged.
+    static void setReadWriteDefault(bool bReadWrite = true) {}
     bool isReadOnly(void) const { return _bReadOnly; }
     void setMode(Mode mode) { _mode = mode; }
 

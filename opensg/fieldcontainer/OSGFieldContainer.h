@@ -26,8 +26,9 @@ class FieldContainer
     static const BitVector MTInfluenceMask;
     static const bool      isNodeCore = false;
 
-    /// Guards the typedef of cored-node pointers for non-core classes.
-    struct attempt_to_create_CoredNodePtr_on_non_NodeCore_FC {};
+    /// Never defined: <Class>NodePtr of a type that is no node core names
+    /// it, so using that pointer type fails to compile.
+    struct attempt_to_create_CoredNodePtr_on_non_NodeCore_FC;
 
     static FieldContainerType &getClassType(void) { return _type; }
     static UInt32 getClassTypeId(void) { return _type.getId(); }
@@ -123,5 +124,28 @@ class FieldContainer
 typedef FieldContainer *FieldContainerP;
 
 OSG_END_NAMESPACE
+
+// --- macros of hand-written containers (templates such as SimpleAttachment) --
+
+/// The id and the mask of a field as two arguments: X##Id, X##Mask.
+#define OSG_FC_FIELD_IDM_DESC(OSG_FIELDNAME) OSG_FIELDNAME##Id, OSG_FIELDNAME##Mask
+
+/// Defines the type of the container template OSG_CLASS for the description
+/// T1, which supplies the names, the init method and one field description.
+/// OSG_DLLMAP is the export decoration (empty on Linux).
+#define OSG_FC_DLLEXPORT_DEF(OSG_CLASS, T1, OSG_DLLMAP)                         \
+    template <>                                                                 \
+    OSG_DLLMAP OSG::FieldContainerType OSG_CLASS<T1>::_type(                    \
+        T1::getTypeName(), T1::getParentTypeName(), T1::getGroupName(),         \
+        []() -> OSG::FieldContainerPtr { return OSG_CLASS<T1>::createEmpty(); }, \
+        T1::getInitMethod(), T1::getDesc(), sizeof(OSG::FieldDescription *));
+
+/// Declares what OSG_FC_DLLEXPORT_DEF defines.
+#define OSG_FC_DLLEXPORT_DECL(OSG_CLASS, T1, OSG_DLLMAP) \
+    template <>                                          \
+    OSG_DLLMAP OSG::FieldContainerType OSG_CLASS<T1>::_type;
+
+/// The inline type functions of a container template: Windows builds only.
+#define OSG_FC_TYPE_FUNCTIONS_INL_TMPL_DEF(OSG_TMPL_PARAM, OSG_CLASS)
 
 #endif

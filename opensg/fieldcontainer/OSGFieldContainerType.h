@@ -22,11 +22,14 @@ typedef FCPtr<FieldContainerPtr, AttachmentContainer> AttachmentContainerPtr;
 typedef FCPtr<AttachmentContainerPtr, NodeCore> NodeCorePtr;
 typedef FCPtr<FieldContainerPtr, Attachment> AttachmentPtr;
 
+typedef FieldContainerPtr (*PrototypeCreateF)(void);
+typedef void (*InitContainerF)(void);
+
 class FieldContainerType : public DataType
 {
   public:
-    typedef FieldContainerPtr (*PrototypeCreateF)(void);
-    typedef void (*InitContainerF)(void);
+    typedef osg::PrototypeCreateF PrototypeCreateF;
+    typedef osg::InitContainerF   InitContainerF;
 
     FieldContainerType(const Char8 *szName,
                        const Char8 *szParentName     = NULL,

@@ -5,6 +5,9 @@
 #include <OpenSG/OSGNodeCore.h>
 #include <OpenSG/OSGNodeBase.h>
 
+#include <string>
+#include <vector>
+
 OSG_BEGIN_NAMESPACE
 
 class Node : public NodeBase
@@ -117,6 +120,38 @@ inline NodeCore *CNodePtr::getCPtr(void) const
 
 /// A new node sharing root's core, with clones of root's children.
 NodePtr cloneTree(const NodePtr &root);
+
+/// A new node with the core, inside an edit of Node::CoreFieldMask.
+NodePtr makeNodeFor(NodeCorePtr core);
+
+// Deep copies. A container whose type derives from one of the share types
+// is shared (the same pointer is used) instead of copied. The share types
+// are given by name, by group id, or as one comma-separated string; names
+// the factory doesn't know are ignored.
+
+/// A copy of every non-internal field of src (but "parents"), with the
+/// containers it points to copied in turn unless shared.
+FieldContainerPtr deepClone(const FieldContainerPtr &src,
+                            const std::vector<std::string> &share);
+FieldContainerPtr deepClone(const FieldContainerPtr &src,
+                            const std::vector<UInt16> &shareGroupIds);
+FieldContainerPtr deepClone(const FieldContainerPtr &src,
+                            const std::string &shareString = "");
+
+/// Adds copies (or, when shared, the originals) of src's attachments to dst,
+/// each with binding 0.
+void deepCloneAttachments(const AttachmentContainerPtr &src, AttachmentContainerPtr &dst,
+                          const std::vector<std::string> &share);
+void deepCloneAttachments(const AttachmentContainerPtr &src, AttachmentContainerPtr &dst,
+                          const std::vector<UInt16> &shareGroupIds);
+void deepCloneAttachments(const AttachmentContainerPtr &src, AttachmentContainerPtr &dst,
+                          const std::string &shareString = "");
+
+/// A copy of the subtree with copies of its cores, attachments and what
+/// they point to (unless shared).
+NodePtr deepCloneTree(const NodePtr &src, const std::vector<std::string> &share);
+NodePtr deepCloneTree(const NodePtr &src, const std::vector<UInt16> &shareGroupIds);
+NodePtr deepCloneTree(const NodePtr &src, const std::string &shareString = "");
 
 OSG_END_NAMESPACE
 

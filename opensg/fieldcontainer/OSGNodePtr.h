@@ -75,6 +75,18 @@ template <> const FieldType MField<NodePtr, 0>::_fieldType;
 std::ostream &operator<<(std::ostream &os, const NodePtr &fc);
 std::ostream &operator<<(std::ostream &os, const CNodePtr &fc);
 
+NodePtr makeNodeFor(NodeCorePtr core);
+
+/// A new node with a new core of type Core (stored into *coreP when given).
+template <class Core>
+inline NodePtr makeCoredNode(typename Core::Ptr *coreP = NULL)
+{
+    typename Core::Ptr core = Core::create();
+    if(coreP != NULL)
+        *coreP = core;
+    return makeNodeFor(core);
+}
+
 OSG_END_NAMESPACE
 
 #endif

@@ -3,10 +3,6 @@
 OSG_BEGIN_NAMESPACE
 
 template <class AttachmentDescT>
-const BitVector SimpleAttachment<AttachmentDescT>::SimpleFieldMask =
-    TypeTraits<BitVector>::One << SimpleAttachment<AttachmentDescT>::SimpleFieldId;
-
-template <class AttachmentDescT>
 FieldDescription *SimpleAttachment<AttachmentDescT>::_desc[] = {
     new FieldDescription(StoredFieldType::getClassType(), AttachmentDescT::getFieldName(),
                          SimpleFieldId, SimpleFieldMask, false,

@@ -123,6 +123,10 @@ class SimpleAttachment : public Attachment
     void operator=(const SimpleAttachment &source);
 };
 
+template <class AttachmentDescT>
+const BitVector SimpleAttachment<AttachmentDescT>::SimpleFieldMask =
+    TypeTraits<BitVector>::One << SimpleAttachment<AttachmentDescT>::SimpleFieldId;
+
 struct NameAttachmentDesc
 {
     typedef SFString FieldTypeT;

@@ -88,7 +88,8 @@ ImageFileHandler::ImageFileHandler(void)
       _mimeTypeMap(),
       _readFP(NULL),
       _maxImageBytes(MaxImageBytesCeiling),
-      _allowOutsideDataFiles(false)
+      _allowOutsideDataFiles(false),
+      _pathHandler(NULL)
 {
     const char *outside = std::getenv("OSG_ALLOW_OUTSIDE_DATA_FILES");
 
@@ -241,11 +242,23 @@ ImagePtr ImageFileHandler::read(const Char8 *fileName, const Char8 *mimeType)
     return image;
 }
 
+PathHandler *ImageFileHandler::getPathHandler(void)
+{
+    return _pathHandler;
+}
+
+void ImageFileHandler::setPathHandler(PathHandler *pathHandler)
+{
+    _pathHandler = pathHandler;
+}
+
 bool ImageFileHandler::read(ImagePtr    &image,
                             const Char8 *fileName,
                             const Char8 *mimeType)
 {
-    const std::string fullPath = fileName != NULL ? fileName : "";
+    const std::string fullPath = fileName == NULL        ? ""
+                                 : _pathHandler != NULL ? _pathHandler->findFile(fileName)
+                                                        : fileName;
 
     if(fullPath.empty())
     {

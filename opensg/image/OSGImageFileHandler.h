@@ -12,6 +12,7 @@
 #define _OSGIMAGEFILEHANDLER_H_
 
 #include <OpenSG/OSGImageFileType.h>
+#include <OpenSG/OSGPathHandler.h>
 
 #include <iosfwd>
 #include <list>
@@ -84,6 +85,11 @@ class ImageFileHandler
     virtual bool setOptions(const Char8 *suffix, const Char8 *options);
     virtual const Char8 *getOptions(const Char8 *suffix);
 
+    /// Relative names given to read() are looked up through the path
+    /// handler when one is set (NULL by default); the caller keeps it.
+    virtual PathHandler *getPathHandler(void);
+    virtual void         setPathHandler(PathHandler *pathHandler);
+
     /// Logs every suffix with its mime type.
     void dump(void);
 
@@ -128,6 +134,7 @@ class ImageFileHandler
     readcbfp _readFP;
     UInt64   _maxImageBytes;
     bool     _allowOutsideDataFiles;
+    PathHandler *_pathHandler;
 
     ImageFileHandler(const ImageFileHandler &);
     void operator=(const ImageFileHandler &);

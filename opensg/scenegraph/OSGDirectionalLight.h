@@ -15,6 +15,12 @@ class DirectionalLight : public DirectionalLightBase
   public:
     static StatElemDesc<StatIntElem> statNDirectionalLights;
 
+    using Inherited::setDirection;
+    void setDirection(Real32 rX, Real32 rY, Real32 rZ)
+    {
+        _sfDirection.getValue().setValues(rX, rY, rZ);
+    }
+
     /// Chunk position (direction, 0).
     virtual void makeChunk(void);
 

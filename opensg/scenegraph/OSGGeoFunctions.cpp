@@ -1,5 +1,6 @@
 #include <OpenSG/OSGGeoFunctions.h>
 #include <OpenSG/OSGGL.h>
+#include <OpenSG/OSGSimpleGeometry.h>
 
 #include <cmath>
 #include <cstring>
@@ -125,6 +126,69 @@ void appendIndexColumn(GeometryPtr geo, UInt16 remove, UInt16 add,
     mapping.clear();
     for(size_t j = 0; j < newMap.size(); ++j)
         mapping.push_back(newMap[j]);
+}
+
+/// Index entries per vertex of an indexed geometry (at least 1).
+UInt32 indexTupleSize(GeometryPtr geo)
+{
+    return std::max<UInt32>(1, geo->getMFIndexMapping()->size());
+}
+
+/// Gives a non-indexed geometry one index per vertex, so that every
+/// attribute keeps the value it had. The caller holds the edit of the
+/// indices and the mapping.
+void makeIndexed(GeometryPtr geo)
+{
+    UInt32 vertices = 0;
+    for(PrimitiveIterator it = geo->beginPrimitives(); !it.isAtEnd(); ++it)
+        vertices = std::max(vertices, UInt32(it.getVertexIndex(0)) + it.getLength());
+
+    GeoIndicesUI32Ptr ind = GeoIndicesUI32::create();
+    beginEditCP(ind);
+    for(UInt32 v = 0; v < vertices; ++v)
+        ind->push_back(v);
+    endEditCP(ind);
+    geo->setIndices(ind);
+    geo->getMFIndexMapping()->clear();
+}
+
+/// Unit normal of a face: edges of a triangle, diagonals of a quad.
+Vec3f faceNormal(const FaceIterator &it)
+{
+    Vec3f n = it.getLength() == 4
+                  ? (it.getPosition(2) - it.getPosition(0)).cross(it.getPosition(3) - it.getPosition(1))
+                  : (it.getPosition(1) - it.getPosition(0)).cross(it.getPosition(2) - it.getPosition(0));
+    n.normalize();
+    return n;
+}
+
+/// A node with a GL_LINES geometry from the pairs of points, unlit.
+NodePtr makeLinesNode(const std::vector<Pnt3f> &points)
+{
+    GeoPositions3fPtr pos = GeoPositions3f::create();
+    beginEditCP(pos);
+    for(size_t i = 0; i < points.size(); ++i)
+        pos->push_back(points[i]);
+    endEditCP(pos);
+
+    GeoPTypesUI8Ptr types = GeoPTypesUI8::create();
+    beginEditCP(types);
+    types->push_back(GL_LINES);
+    endEditCP(types);
+
+    GeoPLengthsUI32Ptr lens = GeoPLengthsUI32::create();
+    beginEditCP(lens);
+    lens->push_back(UInt32(points.size()));
+    endEditCP(lens);
+
+    GeometryPtr lines = Geometry::create();
+    beginEditCP(lines);
+    lines->setPositions(pos);
+    lines->setTypes(types);
+    lines->setLengths(lens);
+    lines->setMaterial(getDefaultUnlitMaterial());
+    endEditCP(lines);
+    return makeNodeFor(lines);
 }
 
 } // namespace
@@ -435,6 +499,224 @@ void calcVertexTangents(GeometryPtr geo, Int32 srcTexIndex, Int32 dstAttribTan,
         binormal->getField().setValues(outBin);
         endEditCP(binormal);
     }
+}
+
+void calcFaceNormals(GeometryPtr geo)
+{
+    if(geo == NullFC || geo->getPositions() == NullFC)
+    {
+        FWARNING(("calcFaceNormals: no geometry or no positions\n"));
+        return;
+    }
+
+    // vertex number of every face corner, and the faces' normals
+    std::vector<Vec3f>  faceNormals;
+    std::vector<UInt32> vertexFace;
+    const bool          indexed = geo->getIndices() != NullFC;
+    const UInt32        nmap    = indexTupleSize(geo);
+    for(FaceIterator it = geo->beginFaces(); !it.isAtEnd(); ++it)
+    {
+        for(UInt32 c = 0; c < it.getLength(); ++c)
+        {
+            Int32 v = indexed ? it.getIndexIndex(c) / Int32(nmap) : it.getPositionIndex(c);
+            if(v < 0)
+                continue;
+            if(UInt32(v) >= vertexFace.size())
+                vertexFace.resize(v + 1, 0);
+            vertexFace[v] = UInt32(faceNormals.size());
+        }
+        faceNormals.push_back(faceNormal(it));
+    }
+
+    GeoNormals3fPtr norms = GeoNormals3f::create();
+    beginEditCP(norms);
+    if(indexed)
+    {
+        for(size_t f = 0; f < faceNormals.size(); ++f)
+            norms->push_back(faceNormals[f]);
+    }
+    else
+    {
+        for(size_t v = 0; v < vertexFace.size(); ++v)
+            norms->push_back(faceNormals.empty() ? Vec3f(0.f, 0.f, 1.f)
+                                                 : faceNormals[vertexFace[v]]);
+    }
+    endEditCP(norms);
+
+    const BitVector mask = Geometry::NormalsFieldMask | Geometry::IndexMappingFieldMask |
+                           Geometry::IndicesFieldMask;
+    beginEditCP(geo, mask);
+    geo->setNormals(norms);
+    if(indexed)
+        appendIndexColumn(geo, Geometry::MapNormal, Geometry::MapNormal, vertexFace);
+    endEditCP(geo, mask);
+}
+
+NodePtr calcVertexNormalsGeo(GeometryPtr geo, Real32 length)
+{
+    if(geo == NullFC || geo->getPositions() == NullFC || geo->getNormals() == NullFC)
+    {
+        FWARNING(("calcVertexNormalsGeo: no geometry, positions or normals\n"));
+        return NullFC;
+    }
+
+    std::vector<Pnt3f> points;
+    for(PrimitiveIterator it = geo->beginPrimitives(); !it.isAtEnd(); ++it)
+    {
+        for(UInt32 v = 0; v < it.getLength(); ++v)
+        {
+            Pnt3f p = it.getPosition(v);
+            points.push_back(p);
+            points.push_back(p + it.getNormal(v) * length);
+        }
+    }
+    return makeLinesNode(points);
+}
+
+NodePtr calcFaceNormalsGeo(GeometryPtr geo, Real32 length)
+{
+    if(geo == NullFC || geo->getPositions() == NullFC)
+    {
+        FWARNING(("calcFaceNormalsGeo: no geometry or no positions\n"));
+        return NullFC;
+    }
+
+    std::vector<Pnt3f> points;
+    for(FaceIterator it = geo->beginFaces(); !it.isAtEnd(); ++it)
+    {
+        Vec3f sum(0.f, 0.f, 0.f);
+        for(UInt32 c = 0; c < it.getLength(); ++c)
+            sum += it.getPosition(c).subZero();
+        Pnt3f centre = (sum / Real32(it.getLength())).addToZero();
+        points.push_back(centre);
+        points.push_back(centre + faceNormal(it) * length);
+    }
+    return makeLinesNode(points);
+}
+
+Int32 createSharedIndex(GeometryPtr geo)
+{
+    if(geo == NullFC || geo->getPositions() == NullFC)
+    {
+        FWARNING(("createSharedIndex: no geometry or no positions\n"));
+        return -1;
+    }
+
+    const BitVector mask = Geometry::IndexMappingFieldMask | Geometry::IndicesFieldMask;
+    beginEditCP(geo, mask);
+    if(geo->getIndices() == NullFC)
+        makeIndexed(geo);
+
+    GeoIndicesPtr ind     = geo->getIndices();
+    MFUInt16     &mapping = *geo->getMFIndexMapping();
+    const UInt32  n       = indexTupleSize(geo);
+    const UInt32  tuples  = ind->getSize() / n;
+    Int32         changed = 0;
+
+    beginEditCP(ind);
+    for(UInt32 j = 0; j < n; ++j)
+    {
+        // the attributes of this index column, and their element sizes
+        UInt16 bits = mapping.empty() ? UInt16(presentAttributes(geo) | Geometry::MapPosition)
+                                      : mapping[j];
+        std::vector<GeoPropertyArrayInterface *> props;
+        for(UInt32 a = 0; a < PrimitiveIterator::NumAttributes; ++a)
+        {
+            GeoPropertyArrayInterface *p = (bits & (1 << a)) ? geo->getProperty(1 << a) : NULL;
+            if(p != NULL)
+                props.push_back(p);
+        }
+
+        // the bytes of every attribute an index selects are its key; an
+        // attribute too short for the index adds a mark of its own
+        std::map<std::string, UInt32> first;
+        for(UInt32 t = 0; t < tuples; ++t)
+        {
+            UInt32      index = ind->getValue(t * n + j);
+            std::string key;
+            for(size_t p = 0; p < props.size(); ++p)
+            {
+                UInt32 elem = props[p]->getFormatSize() * props[p]->getDimension();
+                if(index >= props[p]->getSize())
+                    key.append(1, '\0');
+                else
+                    key.append(1, '\1')
+                        .append(reinterpret_cast<const char *>(props[p]->getData()) +
+                                    size_t(index) * elem,
+                                elem);
+            }
+            std::pair<std::map<std::string, UInt32>::iterator, bool> ins =
+                first.insert(std::make_pair(key, index));
+            if(!ins.second && ins.first->second != index)
+            {
+                ind->setValue(ins.first->second, t * n + j);
+                ++changed;
+            }
+        }
+    }
+    endEditCP(ind);
+    endEditCP(geo, mask);
+    return changed;
+}
+
+Int32 createOptimizedPrimitives(GeometryPtr geo, UInt32, bool, bool, UInt32, bool, bool)
+{
+    if(geo == NullFC || geo->getPositions() == NullFC)
+    {
+        FWARNING(("createOptimizedPrimitives: no geometry or no positions\n"));
+        return -1;
+    }
+
+    const BitVector mask = Geometry::TypesFieldMask | Geometry::LengthsFieldMask |
+                           Geometry::IndexMappingFieldMask | Geometry::IndicesFieldMask;
+    beginEditCP(geo, mask);
+    if(geo->getIndices() == NullFC)
+        makeIndexed(geo);
+
+    GeoIndicesPtr ind = geo->getIndices();
+    const UInt32  n   = indexTupleSize(geo);
+
+    std::vector<UInt32> newInd, triangles;
+    GeoPTypesUI8Ptr     types = GeoPTypesUI8::create();
+    GeoPLengthsUI32Ptr  lens  = GeoPLengthsUI32::create();
+    beginEditCP(types);
+    beginEditCP(lens);
+
+    // points and lines keep their primitives
+    for(PrimitiveIterator it = geo->beginPrimitives(); !it.isAtEnd(); ++it)
+    {
+        UInt32 type = it.getType();
+        if(type != GL_POINTS && type != GL_LINES && type != GL_LINE_STRIP && type != GL_LINE_LOOP)
+            continue;
+        for(UInt32 v = 0; v < it.getLength(); ++v)
+            for(UInt32 j = 0; j < n; ++j)
+                newInd.push_back(ind->getValue((UInt32(it.getVertexIndex(v))) * n + j));
+        types->push_back(UInt8(type));
+        lens->push_back(it.getLength());
+    }
+    for(TriangleIterator it = geo->beginTriangles(); !it.isAtEnd(); ++it)
+        for(Int32 c = 0; c < 3; ++c)
+            for(UInt32 j = 0; j < n; ++j)
+                triangles.push_back(ind->getValue(UInt32(it.getIndex(c)) * n + j));
+    if(!triangles.empty())
+    {
+        types->push_back(GL_TRIANGLES);
+        lens->push_back(UInt32(triangles.size() / n));
+        newInd.insert(newInd.end(), triangles.begin(), triangles.end());
+    }
+    endEditCP(lens);
+    endEditCP(types);
+
+    beginEditCP(ind);
+    ind->clear();
+    for(size_t i = 0; i < newInd.size(); ++i)
+        ind->push_back(newInd[i]);
+    endEditCP(ind);
+
+    geo->setTypes(types);
+    geo->setLengths(lens);
+    endEditCP(geo, mask);
+    return Int32(newInd.size() / n);
 }
 
 // --- counting ------------------------------------------------------------------------

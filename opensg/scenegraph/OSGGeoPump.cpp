@@ -238,7 +238,7 @@ void drawImmediate(Geometry *geo, const Source *src)
         glBegin(it.getType());
         for(UInt32 v = 0; v < it.getLength(); ++v)
         {
-            UInt32 k = UInt32(it.getIndexIndex(v));
+            UInt32 k = UInt32(it.getVertexIndex(v));
             // attributes first, the position last: it emits the vertex
             for(UInt32 pass = 0; pass < 2; ++pass)
             {
@@ -288,7 +288,7 @@ bool arraysUsable(Geometry *geo, const Source *src)
     {
         PrimitiveIterator it(geo->getPtr());
         for(; !it.isAtEnd(); ++it)
-            needed = std::max(needed, UInt32(it.getIndexIndex(0)) + it.getLength());
+            needed = std::max(needed, UInt32(it.getVertexIndex(0)) + it.getLength());
     }
 
     for(UInt32 slot = 0; slot < NumSlots; ++slot)
@@ -323,7 +323,7 @@ bool drawArrays(Geometry *geo, const Source *src)
     PrimitiveIterator it(geo->getPtr());
     for(; !it.isAtEnd(); ++it)
     {
-        UInt32 first = UInt32(it.getIndexIndex(0));
+        UInt32 first = UInt32(it.getVertexIndex(0));
         if(it.getLength() == 0)
             continue;
         if(indData != NULL)
@@ -514,7 +514,7 @@ bool GeoVBO::update(Geometry *geo)
     PrimitiveIterator it(geo->getPtr());
     for(; !it.isAtEnd(); ++it)
     {
-        Prim p = {it.getType(), UInt32(it.getIndexIndex(0)), it.getLength()};
+        Prim p = {it.getType(), UInt32(it.getVertexIndex(0)), it.getLength()};
         if(p.count > 0)
             _prims.push_back(p);
     }

@@ -455,7 +455,7 @@ void Geometry::updateIndexRanges(void)
     {
         UInt32 lo    = std::numeric_limits<UInt32>::max();
         UInt32 hi    = 0;
-        UInt32 first = UInt32(it.getIndexIndex(0)) * nmap;
+        UInt32 first = UInt32(it.getVertexIndex(0)) * nmap;
         UInt32 last  = std::min(nInd, first + it.getLength() * nmap);
         for(UInt32 i = first; i < last; ++i)
         {
@@ -802,6 +802,20 @@ TriangleIterator Geometry::beginTriangles(void) const
 TriangleIterator Geometry::endTriangles(void) const
 {
     TriangleIterator it(getPtr());
+    it.setToEnd();
+    return it;
+}
+
+FaceIterator Geometry::beginFaces(void) const
+{
+    FaceIterator it(getPtr());
+    it.setToBegin();
+    return it;
+}
+
+FaceIterator Geometry::endFaces(void) const
+{
+    FaceIterator it(getPtr());
     it.setToEnd();
     return it;
 }

@@ -29,6 +29,7 @@ class Window;
 class GeoVBO;
 class PrimitiveIterator;
 class TriangleIterator;
+class FaceIterator;
 
 class Geometry : public GeometryBase
 {
@@ -114,6 +115,8 @@ class Geometry : public GeometryBase
     PrimitiveIterator endPrimitives(void) const;
     TriangleIterator  beginTriangles(void) const;
     TriangleIterator  endTriangles(void) const;
+    FaceIterator      beginFaces(void) const;
+    FaceIterator      endFaces(void) const;
 
     /// A new geometry with copies of every property and the same material.
     GeometryPtr clone(void);
@@ -187,5 +190,6 @@ OSG_END_NAMESPACE
 
 #include <OpenSG/OSGPrimitiveIterator.h>
 #include <OpenSG/OSGTriangleIterator.h>
+#include <OpenSG/OSGFaceIterator.h>
 
 #endif

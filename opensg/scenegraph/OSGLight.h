@@ -19,6 +19,24 @@ class Light : public LightBase
     /// Counted assignment.
     void setBeacon(const NodePtr &beacon);
 
+    // Component forms of the colour setters; like the others they open no
+    // edit of their own.
+    using Inherited::setAmbient;
+    using Inherited::setDiffuse;
+    using Inherited::setSpecular;
+    void setAmbient(Real32 rRed, Real32 rGreen, Real32 rBlue, Real32 rAlpha)
+    {
+        _sfAmbient.getValue().setValuesRGBA(rRed, rGreen, rBlue, rAlpha);
+    }
+    void setDiffuse(Real32 rRed, Real32 rGreen, Real32 rBlue, Real32 rAlpha)
+    {
+        _sfDiffuse.getValue().setValuesRGBA(rRed, rGreen, rBlue, rAlpha);
+    }
+    void setSpecular(Real32 rRed, Real32 rGreen, Real32 rBlue, Real32 rAlpha)
+    {
+        _sfSpecular.getValue().setValuesRGBA(rRed, rGreen, rBlue, rAlpha);
+    }
+
     /// The chunk made by the last makeChunk() (NullFC before).
     LightChunkPtr getChunk(void) { return _pChunk; }
     /// Creates the chunk on first use and copies the colours into it;

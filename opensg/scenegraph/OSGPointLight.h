@@ -15,6 +15,19 @@ class PointLight : public PointLightBase
   public:
     static StatElemDesc<StatIntElem> statNPointLights;
 
+    using Inherited::setPosition;
+    void setPosition(Real32 rX, Real32 rY, Real32 rZ)
+    {
+        _sfPosition.getValue().setValues(rX, rY, rZ);
+    }
+    /// The three attenuation factors at once.
+    void setAttenuation(Real32 rConstant, Real32 rLinear, Real32 rQuadratic)
+    {
+        _sfConstantAttenuation.setValue(rConstant);
+        _sfLinearAttenuation.setValue(rLinear);
+        _sfQuadraticAttenuation.setValue(rQuadratic);
+    }
+
     /// Chunk position (position, 1) and the attenuations.
     virtual void makeChunk(void);
 

@@ -149,6 +149,13 @@ Int32 PrimitiveIterator::vertexIndex(UInt32 attribute, UInt32 vertex) const
     return Int32(ind->getValue(at));
 }
 
+Int32 PrimitiveIterator::getIndexIndex(Int32 which) const
+{
+    if(_geo == NullFC || _geo->getIndices() == NullFC)
+        return -1;
+    return (Int32(_actPointIndex) + which) * Int32(_numMappings);
+}
+
 Int32 PrimitiveIterator::getAttribIndex(UInt32 attribute, Int32 which) const
 {
     if(_geo == NullFC || attribute >= NumAttributes || which < 0)

@@ -14,6 +14,15 @@ class SpotLight : public SpotLightBase
   public:
     static StatElemDesc<StatIntElem> statNSpotLights;
 
+    /// Sets direction.
+    void setSpotDirection(Real32 rX, Real32 rY, Real32 rZ)
+    {
+        _sfDirection.getValue().setValues(rX, rY, rZ);
+    }
+    /// The cut-off in degrees; spotCutOff holds radians.
+    void setSpotCutOffDeg(Real32 angle) { _sfSpotCutOff.setValue(osgdegree2rad(angle)); }
+    Real32 getSpotCutOffDeg(void) const { return osgrad2degree(_sfSpotCutOff.getValue()); }
+
     /// Adds direction, exponent and the cut-off (in degrees) to the chunk.
     virtual void makeChunk(void);
 

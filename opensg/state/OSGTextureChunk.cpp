@@ -203,6 +203,11 @@ void TextureChunk::onDestroy(void)
         Window::destroyGLObject(getGLId(), 1);
 }
 
+void TextureChunk::setImage(ImagePtr &pImage)
+{
+    setImage(static_cast<const ImagePtr &>(pImage));
+}
+
 void TextureChunk::setImage(const ImagePtr &pImage)
 {
     TextureChunkPtr thisPtr(this);

@@ -58,6 +58,8 @@ class TextureChunk : public TextureChunkBase
     /// Takes a reference to the new image and drops the old one's, and
     /// registers the chunk as a parent of the image. Opens no edit: end an
     /// edit of ImageFieldMask afterwards.
+    void setImage(ImagePtr &pImage);
+    /// The same for a const pointer (the late 1.8 line's signature).
     void setImage(const ImagePtr &pImage);
 
     /// Asks for a re-upload of the inclusive texel box at the next

@@ -101,12 +101,6 @@ TEST(MatrixLayout, PartialSettersTouchOnlyTheirElements)
     EXPECT_EQ(m[2][2], 5);
     EXPECT_EQ(m[1][0], 1); // off-diagonal kept
     EXPECT_EQ(m[3][3], 1);
-
-    Matrix c(Vec3f(1, 2, 3), Vec3f(4, 5, 6), Vec3f(7, 8, 9), Vec3f(10, 11, 12));
-    EXPECT_EQ(c[1][2], 6);
-    EXPECT_EQ(c[3][0], 10);
-    EXPECT_EQ(c[3][3], 1);
-    EXPECT_EQ(c[0][3], 0);
 }
 
 TEST(MatrixProduct, MultAppliesTheArgumentFirst)
@@ -177,6 +171,70 @@ TEST(MatrixTransform, MultFullDividesByW)
     EXPECT_EQ(log.take(),
               "WARNING:  TransformationMatrix<>::multFull(Pnt3, Pnt3): "
               "w == 0.0\n");
+}
+
+TEST(MatrixTransform, MultFullMatrixPntGivesZeroForZeroW)
+{
+    // w = x: (2, 4, 6) has w 2, (0, 1, 1) has w 0
+    Matrix m;
+    m[0][3] = 1;
+    m[3][3] = 0;
+
+    Pnt3f p;
+    m.multFullMatrixPnt(Pnt3f(2, 4, 6), p);
+    EXPECT_EQ(p, Pnt3f(1, 2, 3));
+
+    p = Pnt3f(0, 1, 1);
+    m.multFullMatrixPnt(p);
+    EXPECT_EQ(p, Pnt3f(0, 0, 0));
+}
+
+TEST(MatrixTransform, InPlaceForms)
+{
+    const Matrix m = sample();
+
+    Pnt3f p(1, 2, 3), expect;
+    m.multMatrixPnt(p, expect);
+    m.multMatrixPnt(p);
+    EXPECT_EQ(p, expect);
+
+    Vec3f v(1, 2, 3), expectV;
+    m.multMatrixVec(v, expectV);
+    m.multMatrixVec(v);
+    EXPECT_EQ(v, expectV);
+
+    p = Pnt3f(1, 2, 3);
+    m.multFullMatrixPnt(p, expect);
+    m.multFullMatrixPnt(p);
+    EXPECT_EQ(p, expect);
+
+    // the row-vector forms: (p, 1)^T * M and (v, 0)^T * M
+    p = Pnt3f(1, 2, 3);
+    m.multPntMatrix(p);
+    EXPECT_EQ(p, Pnt3f(1 * 2 + 2 * 0 + 3 * 1 + 0.1f, 1 * 1 + 2 * 3 + 3 * 0 + 0.2f,
+                       1 * 0 + 2 * 1 + 3 * 4 + 0.3f));
+    v = Vec3f(1, 2, 3);
+    m.multVecMatrix(v);
+    EXPECT_EQ(v, Vec3f(5, 7, 14));
+}
+
+TEST(MatrixLayout, ConstructorsFromColumnsLeaveTheBottomRowZero)
+{
+    Matrix m3(Vec3f(1, 2, 3), Vec3f(4, 5, 6), Vec3f(7, 8, 9));
+    Matrix m4(Vec3f(1, 2, 3), Vec3f(4, 5, 6), Vec3f(7, 8, 9), Vec3f(10, 11, 12));
+    for(UInt32 c = 0; c < 4; ++c)
+    {
+        EXPECT_EQ(m3[c][3], 0.f) << c;
+        EXPECT_EQ(m4[c][3], 0.f) << c;
+    }
+    EXPECT_EQ(m3[3], Vec4f(0, 0, 0, 0));
+    EXPECT_EQ(m4[3], Vec4f(10, 11, 12, 0));
+    EXPECT_EQ(m4[1], Vec4f(4, 5, 6, 0));
+
+    // setValue from columns keeps what it doesn't set
+    Matrix id;
+    id.setValue(Vec3f(1, 2, 3), Vec3f(4, 5, 6), Vec3f(7, 8, 9));
+    EXPECT_EQ(id[3], Vec4f(0, 0, 0, 1));
 }
 
 TEST(MatrixInverse, InverseTimesMatrixIsIdentity)
@@ -275,9 +333,14 @@ TEST(MatrixDecomposition, SetAndGetTransformRoundTrip)
     Quaternion r2, so2;
     m.getTransform(t2, r2, s2, so2, c);
 
+    // as in OpenSG, the scale orientation comes back inverted: only its
+    // inverse rebuilds the matrix
     Matrix back;
-    back.setTransform(t2, r2, s2, so2, c);
+    back.setTransform(t2, r2, s2, so2.inverse(), c);
     EXPECT_TRUE(back.equals(m, 1e-4f)) << m << back;
+    Matrix asGiven;
+    asGiven.setTransform(t2, r2, s2, so2, c);
+    EXPECT_FALSE(asGiven.equals(m, 1e-2f)) << asGiven;
     EXPECT_TRUE(t2.equals(t, 1e-4f)) << t2;
     // Rotation is unique up to the quaternion's sign.
     EXPECT_TRUE(r2.equals(r, 1e-4f) ||
@@ -385,6 +448,29 @@ TEST(Quaternion, ProductComposesLikeMatrices)
     Quaternion i = a;
     i.invert();
     EXPECT_TRUE((a * i).equals(Quaternion::identity(), 1e-6f));
+}
+
+TEST(Quaternion, EulerAnglesRotateAboutXThenYThenZ)
+{
+    const Real32 a = 0.3f, b = -0.7f, g = 1.1f;
+    Quaternion   q;
+    q.setValue(a, b, g);
+
+    Matrix expect, rx, ry, rz;
+    rx.setRotate(Quaternion(Vec3f(1, 0, 0), a));
+    ry.setRotate(Quaternion(Vec3f(0, 1, 0), b));
+    rz.setRotate(Quaternion(Vec3f(0, 0, 1), g));
+    expect = rz;
+    expect.mult(ry);
+    expect.mult(rx);
+
+    Matrix m;
+    q.getValue(m);
+    EXPECT_TRUE(m.equals(expect, 1e-6f)) << m << expect;
+
+    // one angle alone is that axis' rotation
+    q.setValue(0.f, 0.f, Pi / 2);
+    EXPECT_TRUE(q.equals(Quaternion(Vec3f(0, 0, 1), Pi / 2), 1e-6f));
 }
 
 TEST(Quaternion, FromToVectors)

@@ -103,6 +103,23 @@ TEST(VectorAlgebra, CrossIsRightHandedAndDotIsStar)
     EXPECT_EQ(c, Vec3f(0, 0, 1));
 }
 
+TEST(VectorAlgebra, CrossThisChangesOnlyXYZ)
+{
+    Vec3f v(1, 0, 0);
+    v.crossThis(Vec3f(0, 1, 0));
+    EXPECT_EQ(v, Vec3f(0, 0, 1));
+
+    // w keeps its value
+    Vec4f w(1, 0, 0, 7);
+    w.crossThis(Vec4f(0, 1, 0, 3));
+    EXPECT_EQ(w, Vec4f(0, 0, 1, 7));
+
+    // no cross product in two dimensions: the vector stays
+    Vec2f p(1, 2);
+    p.crossThis(Vec2f(3, 4));
+    EXPECT_EQ(p, Vec2f(1, 2));
+}
+
 TEST(VectorAlgebra, NormalizeLeavesTinyVectorsAlone)
 {
     Vec3f v(3, 0, 4);
@@ -242,12 +259,9 @@ TEST(BaseFunctions, PowersOfTwo)
 
 TEST(BaseFunctions, ScalarHelpers)
 {
-    EXPECT_FLOAT_EQ(osgdegree2rad(180.f), Pi);
-    EXPECT_FLOAT_EQ(osgrad2degree(Pi / 2), 90.f);
-    EXPECT_FLOAT_EQ(osgdegree2rad(90), Pi / 2); // integers compute in float
     EXPECT_EQ(osgClamp(0.f, 1.5f, 1.f), 1.f);
     EXPECT_EQ(osgClamp(0, -3, 10), 0);
-    EXPECT_EQ(osgMin(2.5f, 1), 1.f);
+    EXPECT_EQ(osgMin(2.5f, 1.f), 1.f);
     EXPECT_EQ(osgMax(-1, 3), 3);
     EXPECT_EQ(osgabs(-2), 2);
     EXPECT_FLOAT_EQ(osgpow(2.f, 10), 1024.f);

@@ -110,6 +110,19 @@ TEST(BoxVolume, EmptyBoxKeepsItsCornersButReportsNoExtent)
     EXPECT_FLOAT_EQ(b.getScalarVolume(), 27.f);
 }
 
+TEST(BoxVolume, OriginAndSize)
+{
+    BoxVolume box(-1, 2, 3, 4, 6, 11);
+    Real32    x, y, z;
+    box.getOrigin(x, y, z);
+    EXPECT_EQ(Vec3f(x, y, z), Vec3f(-1, 2, 3));
+    box.getSize(x, y, z);
+    EXPECT_EQ(Vec3f(x, y, z), Vec3f(5, 4, 8));
+    Vec3f size;
+    box.getSize(size);
+    EXPECT_EQ(size, Vec3f(5, 4, 8));
+}
+
 TEST(BoxVolume, ExtendByPoint)
 {
     BoxVolume b;

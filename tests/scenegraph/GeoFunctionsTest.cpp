@@ -1,5 +1,6 @@
 // calcVertexTangents against hand-computed tangent frames, its index-mapping
-// rules and messages; vertex normals with and without a crease angle;
+// rules and messages; vertex normals with and without a crease angle; face
+// normals, normal display geometry, shared indices, optimised primitives;
 // primitive counts.
 #include <OpenSG/OSGGeoFunctions.h>
 #include <OpenSG/OSGSimpleGeometry.h>
@@ -319,5 +320,132 @@ TEST(CalcPrimitiveCount, CountsTrianglesLinesAndPoints)
     EXPECT_EQ(point, 3u);
     EXPECT_EQ(line, 2u + 3u + 3u);
     EXPECT_EQ(tri, 2u + 3u + 4u + 4u + 3u);
+    subRefCP(geo);
+}
+
+TEST(CalcFaceNormals, EachVertexPointsAtItsFacesNormal)
+{
+    // two triangles of a tent: z up for the first, tilted for the second
+    GeometryPtr geo = makeTriangles({Pnt3f(0, 0, 0), Pnt3f(1, 0, 0), Pnt3f(0, 1, 0),
+                                     Pnt3f(1, 0, 0), Pnt3f(0, 1, 0), Pnt3f(1, 1, 1)},
+                                    {}, {Vec2f(), Vec2f(), Vec2f(), Vec2f(), Vec2f(), Vec2f()},
+                                    {0, 1, 2, 3, 5, 4});
+    calcFaceNormals(geo);
+
+    GeoNormals3fPtr n = GeoNormals3fPtr::dcast(geo->getNormals());
+    ASSERT_NE(n, NullFC);
+    ASSERT_EQ(n->getField().size(), 2u); // one per face
+    EXPECT_EQ(n->getField()[0], Vec3f(0, 0, 1));
+    Vec3f tilted = (Pnt3f(1, 1, 1) - Pnt3f(1, 0, 0)).cross(Pnt3f(0, 1, 0) - Pnt3f(1, 0, 0));
+    tilted.normalize();
+    EXPECT_EQ(n->getField()[1], tilted);
+
+    // the normals got an index column of their own
+    ASSERT_EQ(geo->getMFIndexMapping()->size(), 2u);
+    UInt32 f = 0;
+    for(TriangleIterator it = geo->beginTriangles(); !it.isAtEnd(); ++it, ++f)
+        for(Int32 c = 0; c < 3; ++c)
+            EXPECT_EQ(it.getNormalIndex(c), Int32(f));
+    subRefCP(geo);
+}
+
+TEST(NormalsGeo, LinesAlongVertexAndFaceNormals)
+{
+    GeometryPtr geo = makeTriangles({Pnt3f(0, 0, 0), Pnt3f(2, 0, 0), Pnt3f(0, 2, 0)},
+                                    {Vec3f(0, 0, 1), Vec3f(1, 0, 0), Vec3f(0, 1, 0)},
+                                    {Vec2f(), Vec2f(), Vec2f()}, {0, 1, 2});
+
+    NodePtr vn = calcVertexNormalsGeo(geo, 0.5f);
+    ASSERT_NE(vn, NullFC);
+    addRefCP(vn);
+    GeometryPtr lines = GeometryPtr::dcast(vn->getCore());
+    ASSERT_NE(lines, NullFC);
+    EXPECT_EQ(lines->getTypes()->getValue(0), UInt8(GL_LINES));
+    GeoPositionsPtr p = lines->getPositions();
+    ASSERT_EQ(p->getSize(), 6u);
+    EXPECT_EQ(p->getValue(1), Pnt3f(0, 0, 0.5f));
+    EXPECT_EQ(p->getValue(2), Pnt3f(2, 0, 0));
+    EXPECT_EQ(p->getValue(3), Pnt3f(2.5f, 0, 0));
+    subRefCP(vn);
+
+    NodePtr fn = calcFaceNormalsGeo(geo, 3.f);
+    ASSERT_NE(fn, NullFC);
+    addRefCP(fn);
+    p = GeometryPtr::dcast(fn->getCore())->getPositions();
+    ASSERT_EQ(p->getSize(), 2u);
+    EXPECT_EQ(p->getValue(0), Pnt3f(2.f / 3, 2.f / 3, 0)); // the centre
+    EXPECT_EQ(p->getValue(1), Pnt3f(2.f / 3, 2.f / 3, 3));
+    subRefCP(fn);
+
+    // no normals: nothing to show
+    beginEditCP(geo, Geometry::NormalsFieldMask);
+    geo->setNormals(NullFC);
+    endEditCP(geo, Geometry::NormalsFieldMask);
+    EXPECT_EQ(calcVertexNormalsGeo(geo, 1.f), NullFC);
+    subRefCP(geo);
+}
+
+TEST(CreateSharedIndex, EqualValuesShareTheFirstIndex)
+{
+    // positions 0 and 3 are equal, and 1 and 4; texture coordinates differ
+    // only at 4, so in a single-indexed geometry 3 follows 0 but 4 stays
+    GeometryPtr geo = makeTriangles({Pnt3f(0, 0, 0), Pnt3f(1, 0, 0), Pnt3f(0, 1, 0),
+                                     Pnt3f(0, 0, 0), Pnt3f(1, 0, 0), Pnt3f(1, 1, 0)},
+                                    {}, {Vec2f(0, 0), Vec2f(1, 0), Vec2f(0, 1),
+                                         Vec2f(0, 0), Vec2f(1, 1), Vec2f(1, 1)},
+                                    {0, 1, 2, 3, 4, 5});
+    EXPECT_EQ(createSharedIndex(geo), 1);
+    std::vector<UInt32> expect = {0, 1, 2, 0, 4, 5};
+    EXPECT_EQ(GeoIndicesUI32Ptr::dcast(geo->getIndices())->getField().getValues(), expect);
+
+    // a non-indexed geometry is indexed first
+    GeometryPtr plain = makeTriangles({Pnt3f(0, 0, 0), Pnt3f(1, 0, 0), Pnt3f(0, 0, 0)}, {},
+                                      {}, {0, 1, 2}, false);
+    beginEditCP(plain, Geometry::IndicesFieldMask);
+    plain->setIndices(NullFC);
+    endEditCP(plain, Geometry::IndicesFieldMask);
+    EXPECT_EQ(createSharedIndex(plain), 1);
+    ASSERT_NE(plain->getIndices(), NullFC);
+    expect = {0, 1, 0};
+    EXPECT_EQ(GeoIndicesUI32Ptr::dcast(plain->getIndices())->getField().getValues(), expect);
+
+    EXPECT_EQ(createSharedIndex(NullFC), -1);
+    subRefCP(plain);
+    subRefCP(geo);
+}
+
+TEST(CreateOptimizedPrimitives, OneTriangleListAfterPointsAndLines)
+{
+    GeometryPtr geo = makeTriangles({Pnt3f(0, 0, 0), Pnt3f(1, 0, 0), Pnt3f(1, 1, 0),
+                                     Pnt3f(0, 1, 0), Pnt3f(2, 2, 2)},
+                                    {}, {}, {4, 0, 1, 2, 3, 0, 1, 2, 3});
+    GeoPTypesUI8Ptr    typ = GeoPTypesUI8::create();
+    GeoPLengthsUI32Ptr len = GeoPLengthsUI32::create();
+    typ->getField().getValues().assign({GL_POINTS, GL_QUADS, GL_TRIANGLE_STRIP});
+    len->getField().getValues().assign({1, 4, 4});
+    beginEditCP(geo, Geometry::TypesFieldMask | Geometry::LengthsFieldMask);
+    geo->setTypes(typ);
+    geo->setLengths(len);
+    endEditCP(geo, Geometry::TypesFieldMask | Geometry::LengthsFieldMask);
+
+    std::vector<Pnt3f> before;
+    for(TriangleIterator it = geo->beginTriangles(); !it.isAtEnd(); ++it)
+        for(Int32 c = 0; c < 3; ++c)
+            before.push_back(it.getPosition(c));
+
+    EXPECT_EQ(createOptimizedPrimitives(geo), 13); // 1 point and 4 triangles
+
+    std::vector<UInt8> types(geo->getTypes()->getSize());
+    for(UInt32 i = 0; i < types.size(); ++i)
+        types[i] = geo->getTypes()->getValue(i);
+    EXPECT_EQ(types, (std::vector<UInt8>{GL_POINTS, GL_TRIANGLES}));
+    EXPECT_EQ(geo->getLengths()->getValue(1), 12u);
+
+    std::vector<Pnt3f> after;
+    for(TriangleIterator it = geo->beginTriangles(); !it.isAtEnd(); ++it)
+        for(Int32 c = 0; c < 3; ++c)
+            after.push_back(it.getPosition(c));
+    EXPECT_EQ(after, before);
+    EXPECT_EQ(geo->beginPrimitives().getPosition(0), Pnt3f(2, 2, 2));
     subRefCP(geo);
 }

@@ -215,6 +215,15 @@ template <> const FieldType MField<{c}Ptr, 0>::_fieldType;
     return ''.join(out)
 
 
+def element_types(f):
+    """Return types of the element accessors of a multi field: references to
+    the element, except for MFBool, whose std::vector<bool> hands out its
+    own proxy type (a bool& can't bind to an element)."""
+    if f.vtype == 'bool':
+        return '%s::reference' % f.ftype, '%s::const_reference' % f.ftype
+    return '%s &' % f.vtype, 'const %s &' % f.vtype
+
+
 def accessor_decls(d, f):
     c = d.cls
     lines = []
@@ -240,10 +249,11 @@ def accessor_defs(d, f):
         o.append('inline %s &%s::get%s(void) { return %s.getValue(); }' % (t, cb, f.cap, m))
         o.append('inline void %s::set%s(const %s &value) { %s.setValue(value); }' % (cb, f.cap, t, m))
     else:
+        ref, cref = element_types(f)
         if d.access == 'edit':
-            o.append('inline %s &%s::edit%s(const UInt32 index) { return %s[index]; }' % (t, cb, f.cap, m))
-        o.append('inline const %s &%s::get%s(const UInt32 index) const { return %s[index]; }' % (t, cb, f.cap, m))
-        o.append('inline %s &%s::get%s(const UInt32 index) { return %s[index]; }' % (t, cb, f.cap, m))
+            o.append('inline %s %s::edit%s(const UInt32 index) { return %s[index]; }' % (ref, cb, f.cap, m))
+        o.append('inline %s %s::get%s(const UInt32 index) const { return %s[index]; }' % (cref, cb, f.cap, m))
+        o.append('inline %s %s::get%s(const UInt32 index) { return %s[index]; }' % (ref, cb, f.cap, m))
         o.append('inline %s &%s::get%s(void) { return %s; }' % (F, cb, f.cap, m))
         o.append('inline const %s &%s::get%s(void) const { return %s; }' % (F, cb, f.cap, m))
     return o
@@ -259,10 +269,11 @@ def value_decls(d, f):
         o.append('    %s &get%s(void);' % (t, f.cap))
         o.append('    void set%s(const %s &value);' % (f.cap, t))
     else:
+        ref, cref = element_types(f)
         if d.access == 'edit':
-            o.append('    %s &edit%s(const UInt32 index);' % (t, f.cap))
-        o.append('    const %s &get%s(const UInt32 index) const;' % (t, f.cap))
-        o.append('    %s &get%s(const UInt32 index);' % (t, f.cap))
+            o.append('    %s edit%s(const UInt32 index);' % (ref, f.cap))
+        o.append('    %s get%s(const UInt32 index) const;' % (cref, f.cap))
+        o.append('    %s get%s(const UInt32 index);' % (ref, f.cap))
         o.append('    %s &get%s(void);' % (F, f.cap))
         o.append('    const %s &get%s(void) const;' % (F, f.cap))
     return o
@@ -272,7 +283,8 @@ def gen_base_h(d, src):
     c, cb = d.cls, d.cls + 'Base'
     guard = '_OSG%sBASE_H_' % c.upper()
     o = [HEADER % src, '#ifndef %s\n#define %s\n\n' % (guard, guard)]
-    incs = ['OSGConfig.h', 'OSGBaseFields.h', 'OSG%s.h' % d.parent, 'OSG%sFields.h' % c]
+    incs = ['OSGConfig.h', 'OSGBaseFields.h', 'OSGCoredNodePtr.h', 'OSGRefPtr.h',
+            'OSG%s.h' % d.parent, 'OSG%sFields.h' % c]
     for f in d.fields:
         h = field_header(f.ftype)
         if h and h not in incs:
@@ -294,6 +306,7 @@ def gen_base_h(d, src):
         for f in d.fields:
             o.append('    static const OSG::BitVector %sFieldMask;\n' % f.cap)
         o.append('\n')
+    o.append('    static const char *getClassname(void) { return "%s"; }\n\n' % c)
     o.append('''    static const OSG::BitVector MTInfluenceMask;
 
     static FieldContainerType &getClassType  (void);
@@ -342,6 +355,12 @@ def gen_base_h(d, src):
     o.append('    static FieldContainerType  _type;\n\n'
              '    void operator =(const %s &source);\n};\n\n' % cb)
     o.append('typedef %s *%sP;\n\n' % (cb, cb))
+    # a node with a core of this type; naming it for a type that is no node
+    # core names an undefined type, so only its use fails
+    o.append('typedef osgIF<%s::isNodeCore, CoredNodePtr<%s>,\n'
+             '              FieldContainer::attempt_to_create_CoredNodePtr_on_non_NodeCore_FC>::_IRet\n'
+             '    %sNodePtr;\n\n' % (cb, c, c))
+    o.append('typedef RefPtr<%sPtr> %sRefPtr;\n\n' % (c, c))
     o.append('inline FieldContainerType &%s::getClassType(void) { return _type; }\n' % cb)
     o.append('inline UInt32 %s::getClassTypeId(void) { return _type.getId(); }\n' % cb)
     for f in d.fields:
@@ -464,17 +483,8 @@ FieldContainerPtr {cb}::shallowCopy(void) const
     if not d.pointer_header:
         o.append('''DataType FieldDataTraits<{c}Ptr>::_type("{c}Ptr", "{pp}");
 
-template <>
-const FieldType SField<{c}Ptr, 0>::_fieldType("SF{c}Ptr", "Field",
-                                             FieldDataTraits<{c}Ptr>::getType(),
-                                             SField<{c}Ptr, 0>::create,
-                                             FieldType::SINGLE_FIELD);
-
-template <>
-const FieldType MField<{c}Ptr, 0>::_fieldType("MF{c}Ptr", "Field",
-                                             FieldDataTraits<{c}Ptr>::getType(),
-                                             MField<{c}Ptr, 0>::create,
-                                             FieldType::MULTI_FIELD);
+OSG_DLLEXPORT_SFIELD_DEF1({c}Ptr, OSG_SYSTEMLIB_DLLTMPLMAPPING);
+OSG_DLLEXPORT_MFIELD_DEF1({c}Ptr, OSG_SYSTEMLIB_DLLTMPLMAPPING);
 
 '''.format(c=c, pp=d.ptrparent))
     o.append('OSG_END_NAMESPACE\n')
