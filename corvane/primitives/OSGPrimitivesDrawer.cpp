@@ -169,7 +169,7 @@ struct SortedGroupWriter<GeoTraitQuadSet>
             return true;
         if(indices->getFormatSize() == sizeof(Int32))
         {
-            std::memcpy(indices->editData() + c * sizeof(Int32), &entries[begin],
+            std::memcpy(indices->getData() + c * sizeof(Int32), &entries[begin],
                         length * sizeof(Int32));
         }
         else
