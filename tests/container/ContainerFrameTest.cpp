@@ -601,6 +601,10 @@ TEST_P(ContainerFrame, StartsWithTheTabledDefaults)
         const Field *field = fc->getField(f.name.c_str());
         ASSERT_NE(field, nullptr) << f.name;
         EXPECT_EQ(field, fc->getField(idOf(i)));
+        // a created NURBS core has already registered its GL object and
+        // holds its id; only the prototype keeps the tabled 0
+        if(f.name == "SurfaceGLId")
+            continue;
         if(f.def != nullptr)
             EXPECT_EQ(textOf(field), canonicalText(f.type, f.def)) << f.name;
         else if(isMulti(f))
