@@ -48,10 +48,6 @@ void getNormal(inout Ray ray, inout SamplePoint current, inout SamplePoint previ
 
 } // namespace
 
-void NormalVolume::init(VolumeData *)
-{
-}
-
 std::string OnlineCentralDiffNormal::getFragmentShaderString(void)
 {
     return CentralDifferenceShader;

@@ -8,51 +8,26 @@
 #ifndef _NORMALVOLUME_H_
 #define _NORMALVOLUME_H_
 
-#include <OpenSG/OSGChunkMaterial.h>
-#include <OpenSG/OSGSHLChunk.h>
+#include "ShaderStrategy.h"
 
 #include <string>
 
-class VolumeData;
-
-class NormalVolume
+class NormalVolume : public ShaderStrategy
 {
-  public:
-    virtual ~NormalVolume(void) {}
-
-    /// The text of getNormal(inout Ray, inout SamplePoint, inout SamplePoint).
-    virtual std::string getFragmentShaderString(void) = 0;
-
-    /// Adds what getNormal reads to the material and binds its uniforms,
-    /// counting textureUnit up once for each texture added.
-    virtual void setMaterialParameter(osg::ChunkMaterialPtr &material,
-                                      osg::SHLChunkPtr      &shader,
-                                      int                   &textureUnit,
-                                      VolumeData            *volumeData) = 0;
-
-    virtual void init(VolumeData *volumeData);
 };
 
 /// Central differences of the six neighbours, in the shader.
 class OnlineCentralDiffNormal : public NormalVolume
 {
   public:
-    std::string getFragmentShaderString(void) override;
-    void        setMaterialParameter(osg::ChunkMaterialPtr &material,
-                                     osg::SHLChunkPtr      &shader,
-                                     int                   &textureUnit,
-                                     VolumeData            *volumeData) override;
+    CORVANE_SHADER_STRATEGY
 };
 
 /// The 3-D Sobel operator over the 26 neighbours, in the shader.
 class OnlineSobelNormal : public NormalVolume
 {
   public:
-    std::string getFragmentShaderString(void) override;
-    void        setMaterialParameter(osg::ChunkMaterialPtr &material,
-                                     osg::SHLChunkPtr      &shader,
-                                     int                   &textureUnit,
-                                     VolumeData            *volumeData) override;
+    CORVANE_SHADER_STRATEGY
 };
 
 #endif

@@ -47,10 +47,6 @@ void getRayStartPosition(inout Ray ray, inout SamplePoint current, inout SampleP
 
 } // namespace
 
-void RayGeneration::init(VolumeData *)
-{
-}
-
 std::string SimpleRay::getFragmentShaderString(void)
 {
     return std::string(_directionShader) + StartHead + SnapToStepGrid + SimpleStart;

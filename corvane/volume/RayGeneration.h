@@ -4,29 +4,12 @@
 #ifndef _RAYGENERATION_H_
 #define _RAYGENERATION_H_
 
-#include <OpenSG/OSGChunkMaterial.h>
-#include <OpenSG/OSGSHLChunk.h>
+#include "ShaderStrategy.h"
 
 #include <string>
 
-class VolumeData;
-
-class RayGeneration
+class RayGeneration : public ShaderStrategy
 {
-  public:
-    virtual ~RayGeneration(void) {}
-
-    /// The text of getRayDirection and getRayStartPosition.
-    virtual std::string getFragmentShaderString(void) = 0;
-
-    /// Binds what the text needs; the ray texts need nothing of their own.
-    virtual void setMaterialParameter(osg::ChunkMaterialPtr &material,
-                                      osg::SHLChunkPtr      &shader,
-                                      int                   &textureUnit,
-                                      VolumeData            *volumeData) = 0;
-
-    virtual void init(VolumeData *volumeData);
-
   protected:
     /// getRayDirection, the same for every ray generation.
     static const char *const _directionShader;
@@ -37,11 +20,7 @@ class RayGeneration
 class SimpleRay : public RayGeneration
 {
   public:
-    std::string getFragmentShaderString(void) override;
-    void        setMaterialParameter(osg::ChunkMaterialPtr &material,
-                                     osg::SHLChunkPtr      &shader,
-                                     int                   &textureUnit,
-                                     VolumeData            *volumeData) override;
+    CORVANE_SHADER_STRATEGY
 };
 
 /// As SimpleRay, and the four pixels of each 2x2 block start a quarter step
@@ -49,11 +28,7 @@ class SimpleRay : public RayGeneration
 class InterleavedRay : public RayGeneration
 {
   public:
-    std::string getFragmentShaderString(void) override;
-    void        setMaterialParameter(osg::ChunkMaterialPtr &material,
-                                     osg::SHLChunkPtr      &shader,
-                                     int                   &textureUnit,
-                                     VolumeData            *volumeData) override;
+    CORVANE_SHADER_STRATEGY
 };
 
 #endif

@@ -74,10 +74,6 @@ void shadeDVRSample(inout Ray ray, inout SamplePoint current, inout SamplePoint 
 
 } // namespace
 
-void ShadingFunctions::init(VolumeData *)
-{
-}
-
 std::string MIPShading::getFragmentShaderString(void)
 {
     return MIPShader;

@@ -3,51 +3,27 @@
 #ifndef _SHADINGFUNCTIONS_H_
 #define _SHADINGFUNCTIONS_H_
 
-#include <OpenSG/OSGChunkMaterial.h>
-#include <OpenSG/OSGSHLChunk.h>
+#include "ShaderStrategy.h"
 #include <OpenSG/OSGVector.h>
 
 #include <string>
 
-class VolumeData;
-
-class ShadingFunctions
+class ShadingFunctions : public ShaderStrategy
 {
-  public:
-    virtual ~ShadingFunctions(void) {}
-
-    /// The text of doShading (and what it alone calls).
-    virtual std::string getFragmentShaderString(void) = 0;
-
-    /// Binds the uniforms of the text; nothing without material or shader.
-    virtual void setMaterialParameter(osg::ChunkMaterialPtr &material,
-                                      osg::SHLChunkPtr      &shader,
-                                      int                   &textureUnit,
-                                      VolumeData            *volumeData) = 0;
-
-    virtual void init(VolumeData *volumeData);
 };
 
 /// Maximum intensity projection: white, with the largest value as opacity.
 class MIPShading : public ShadingFunctions
 {
   public:
-    std::string getFragmentShaderString(void) override;
-    void        setMaterialParameter(osg::ChunkMaterialPtr &material,
-                                     osg::SHLChunkPtr      &shader,
-                                     int                   &textureUnit,
-                                     VolumeData            *volumeData) override;
+    CORVANE_SHADER_STRATEGY
 };
 
 /// Sums the values along the ray, as an X-ray film would.
 class XRayShading : public ShadingFunctions
 {
   public:
-    std::string getFragmentShaderString(void) override;
-    void        setMaterialParameter(osg::ChunkMaterialPtr &material,
-                                     osg::SHLChunkPtr      &shader,
-                                     int                   &textureUnit,
-                                     VolumeData            *volumeData) override;
+    CORVANE_SHADER_STRATEGY
 };
 
 /// Direct volume rendering: classification through the transfer function,

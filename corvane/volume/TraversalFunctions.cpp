@@ -86,10 +86,6 @@ void traverseVolume(inout Ray ray, inout SamplePoint current, inout SamplePoint 
 
 } // namespace
 
-void TraversalFunctions::init(VolumeData *)
-{
-}
-
 std::string SimpleTraversal::getFragmentShaderString(void)
 {
     return SimpleTraversalShader;

@@ -3,38 +3,19 @@
 #ifndef _TRAVERSALFUNCTIONS_H_
 #define _TRAVERSALFUNCTIONS_H_
 
-#include <OpenSG/OSGChunkMaterial.h>
-#include <OpenSG/OSGSHLChunk.h>
+#include "ShaderStrategy.h"
 
 #include <string>
 
-class VolumeData;
-
-class TraversalFunctions
+class TraversalFunctions : public ShaderStrategy
 {
-  public:
-    virtual ~TraversalFunctions(void) {}
-
-    /// The text of traverseVolume.
-    virtual std::string getFragmentShaderString(void) = 0;
-
-    virtual void setMaterialParameter(osg::ChunkMaterialPtr &material,
-                                      osg::SHLChunkPtr      &shader,
-                                      int                   &textureUnit,
-                                      VolumeData            *volumeData) = 0;
-
-    virtual void init(VolumeData *volumeData);
 };
 
 /// Equal steps over the ray's whole length, at most 42 x 42 samples.
 class SimpleTraversal : public TraversalFunctions
 {
   public:
-    std::string getFragmentShaderString(void) override;
-    void        setMaterialParameter(osg::ChunkMaterialPtr &material,
-                                     osg::SHLChunkPtr      &shader,
-                                     int                   &textureUnit,
-                                     VolumeData            *volumeData) override;
+    CORVANE_SHADER_STRATEGY
 };
 
 /// Equal steps through the blocks the bit volume marks as visible; an

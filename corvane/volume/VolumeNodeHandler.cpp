@@ -115,7 +115,7 @@ void main()
 )GLSL";
 
 template <class PtrT>
-void release(PtrT &ptr)
+void releaseHeld(PtrT &ptr)
 {
     if(ptr != NullFC)
         subRefCP(ptr);
@@ -170,17 +170,17 @@ void VolumeNodeHandler::cleanup(void)
     _volumeData  = NULL;
     _textureUnit = 0;
 
-    release(_raycastingMaterial);
-    release(_raycasterNode);
-    release(_raycasterGeometry);
-    release(_raycastingShader);
-    release(_frontTexture);
-    release(_backTexture);
-    release(_sceneColorTexture);
-    release(_sceneDepthTexture);
-    release(_backPositionShader);
-    release(_frontPositionRoot);
-    release(_backPositionRoot);
+    releaseHeld(_raycastingMaterial);
+    releaseHeld(_raycasterNode);
+    releaseHeld(_raycasterGeometry);
+    releaseHeld(_raycastingShader);
+    releaseHeld(_frontTexture);
+    releaseHeld(_backTexture);
+    releaseHeld(_sceneColorTexture);
+    releaseHeld(_sceneDepthTexture);
+    releaseHeld(_backPositionShader);
+    releaseHeld(_frontPositionRoot);
+    releaseHeld(_backPositionRoot);
 
     delete _bvGeometry;
     delete _rayGeneration;

@@ -321,8 +321,10 @@ TEST(TransferBakeLinear, AccumulatedEqualsRepeatedAddition)
         {
             // every count near the start and the end, a sample between
             if(n < 3000 || n + 100 > walk || n % 97 == 0)
+            {
                 ASSERT_EQ(TransferTables::accumulated(step, n), t)
                     << "step 1/" << length << ", " << n << " additions";
+            }
             t += step;
         }
     }
