@@ -8,7 +8,7 @@
 #ifndef _NORMALVOLUME_H_
 #define _NORMALVOLUME_H_
 
-#include "ShaderStrategy.h"
+#include <OpenSG/ShaderStrategy.h>
 
 #include <string>
 

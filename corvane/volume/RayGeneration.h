@@ -4,7 +4,7 @@
 #ifndef _RAYGENERATION_H_
 #define _RAYGENERATION_H_
 
-#include "ShaderStrategy.h"
+#include <OpenSG/ShaderStrategy.h>
 
 #include <string>
 

@@ -3,7 +3,7 @@
 #ifndef _SHADINGFUNCTIONS_H_
 #define _SHADINGFUNCTIONS_H_
 
-#include "ShaderStrategy.h"
+#include <OpenSG/ShaderStrategy.h>
 #include <OpenSG/OSGVector.h>
 
 #include <string>

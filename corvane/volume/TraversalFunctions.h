@@ -3,7 +3,7 @@
 #ifndef _TRAVERSALFUNCTIONS_H_
 #define _TRAVERSALFUNCTIONS_H_
 
-#include "ShaderStrategy.h"
+#include <OpenSG/ShaderStrategy.h>
 
 #include <string>
 
