@@ -18,6 +18,8 @@ if [ "${CORVANE_SKIP_SANITIZE:-0}" != "1" ]; then
   # Mesa's LLVM JIT frees some of its own operator-new memory with free();
   # that mismatch is inside libLLVM, not ours, so only it is switched off
   export ASAN_OPTIONS=detect_leaks=1:alloc_dealloc_mismatch=0
+  # blocks Mesa's software driver loses on its own (see the file)
+  export LSAN_OPTIONS=suppressions=$PWD/scripts/lsan-mesa.supp
   export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
   (cd build-asan && ctest --output-on-failure -j "$(nproc)")
 
