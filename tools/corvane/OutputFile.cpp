@@ -32,11 +32,16 @@ bool writeOutputFile(const std::string &name,
         }
     }
 
-    std::string       pattern = name + ".XXXXXX";
+    // the temporary name keeps the suffix, which writers read the format from
+    const size_t      slash   = name.rfind('/');
+    const size_t      dot     = name.rfind('.');
+    const bool        suffix  = dot != std::string::npos && (slash == std::string::npos || dot > slash);
+    const std::string tail    = suffix ? name.substr(dot) : std::string();
+    std::string       pattern = (suffix ? name.substr(0, dot) : name) + ".XXXXXX" + tail;
     std::vector<char> temp(pattern.begin(), pattern.end());
     temp.push_back('\0');
 
-    const int fd = ::mkstemp(temp.data());
+    const int fd = ::mkstemps(temp.data(), int(tail.size()));
     if(fd < 0)
     {
         fprintf(stderr, "corvane: can't create a file beside %s: %s\n", name.c_str(),
