@@ -80,13 +80,12 @@ BVGeometry *makeBVGeometry(UInt32 type)
 
 } // namespace
 
-VolumeNode::VolumeNode(void)
-    : Inherited(), _volume(NULL), _pendingChanges(0), _savedFrustumCulling(true)
+VolumeNode::VolumeNode(void) : Inherited()
 {
 }
 
-VolumeNode::VolumeNode(const VolumeNode &source)
-    : Inherited(source), _volume(NULL), _pendingChanges(0), _savedFrustumCulling(true)
+// a copy (every create() is one) starts without a handler of its own
+VolumeNode::VolumeNode(const VolumeNode &source) : Inherited(source)
 {
 }
 

@@ -60,9 +60,9 @@ class VolumeNode : public VolumeNodeBase
 
     void operator=(const VolumeNode &source);
 
-    VolumeNodeHandler *_volume;
-    BitVector          _pendingChanges;
-    bool               _savedFrustumCulling;
+    VolumeNodeHandler *_volume              = NULL;
+    BitVector          _pendingChanges      = 0;
+    bool               _savedFrustumCulling = true;
 };
 
 typedef VolumeNode *VolumeNodeP;

@@ -39,11 +39,7 @@ void setTargetImage(const TextureChunkPtr &texture, UInt32 imageFormat, Int32 wi
 TextureChunkPtr makeTargetTexture(UInt32 imageFormat, GLenum internalFormat,
                                   GLenum externalFormat, Int32 width, Int32 height)
 {
-    ImagePtr image = Image::create();
-    beginEditCP(image);
-    image->set(imageFormat, width, height, 1, 1, 1, 0.0, NULL, GL_UNSIGNED_BYTE, true, 1);
-    endEditCP(image);
-
+    ImagePtr        image   = Image::create();
     TextureChunkPtr texture = TextureChunk::create();
     addRefCP(texture);
     beginEditCP(texture);
@@ -55,6 +51,7 @@ TextureChunkPtr makeTargetTexture(UInt32 imageFormat, GLenum internalFormat,
     texture->setMagFilter(GL_NEAREST);
     texture->setTarget(GL_TEXTURE_2D);
     endEditCP(texture);
+    setTargetImage(texture, imageFormat, width, height);
     return texture;
 }
 
@@ -126,43 +123,12 @@ VolumeNode *volumeNodeOf(const NodeCorePtr &core)
 
 } // namespace
 
-VolumeViewport::VolumeViewport(void)
-    : Inherited(),
-      _frontAction(NULL),
-      _backAction(NULL),
-      _frontFBO(NullFC),
-      _backFBO(NullFC),
-      _sceneFBO(NullFC),
-      _frontTexture(NullFC),
-      _backTexture(NullFC),
-      _sceneColorTexture(NullFC),
-      _sceneDepthTexture(NullFC),
-      _frontForeground(NullFC),
-      _backForeground(NullFC),
-      _sceneColorForeground(NullFC),
-      _sceneDepthForeground(NullFC),
-      _changes(0),
-      _initialized(false)
+VolumeViewport::VolumeViewport(void) : Inherited()
 {
 }
 
-VolumeViewport::VolumeViewport(const VolumeViewport &source)
-    : Inherited(source),
-      _frontAction(NULL),
-      _backAction(NULL),
-      _frontFBO(NullFC),
-      _backFBO(NullFC),
-      _sceneFBO(NullFC),
-      _frontTexture(NullFC),
-      _backTexture(NullFC),
-      _sceneColorTexture(NullFC),
-      _sceneDepthTexture(NullFC),
-      _frontForeground(NullFC),
-      _backForeground(NullFC),
-      _sceneColorForeground(NullFC),
-      _sceneDepthForeground(NullFC),
-      _changes(0),
-      _initialized(false)
+// a copy (every create() is one) starts with no targets of its own
+VolumeViewport::VolumeViewport(const VolumeViewport &source) : Inherited(source)
 {
 }
 

@@ -53,25 +53,25 @@ class VolumeViewport : public VolumeViewportBase
     /// The scene pass, or a position pass with its own action.
     void renderTarget(const FBOViewportPtr &target, RenderActionBase *action);
 
-    RenderAction *_frontAction;
-    RenderAction *_backAction;
+    RenderAction *_frontAction = NULL;
+    RenderAction *_backAction  = NULL;
 
-    FBOViewportPtr _frontFBO;
-    FBOViewportPtr _backFBO;
-    FBOViewportPtr _sceneFBO;
+    FBOViewportPtr _frontFBO = NullFC;
+    FBOViewportPtr _backFBO  = NullFC;
+    FBOViewportPtr _sceneFBO = NullFC;
 
-    TextureChunkPtr _frontTexture;
-    TextureChunkPtr _backTexture;
-    TextureChunkPtr _sceneColorTexture;
-    TextureChunkPtr _sceneDepthTexture;
+    TextureChunkPtr _frontTexture      = NullFC;
+    TextureChunkPtr _backTexture       = NullFC;
+    TextureChunkPtr _sceneColorTexture = NullFC;
+    TextureChunkPtr _sceneDepthTexture = NullFC;
 
-    PolygonForegroundPtr _frontForeground;
-    PolygonForegroundPtr _backForeground;
-    PolygonForegroundPtr _sceneColorForeground;
-    PolygonForegroundPtr _sceneDepthForeground;
+    PolygonForegroundPtr _frontForeground      = NullFC;
+    PolygonForegroundPtr _backForeground       = NullFC;
+    PolygonForegroundPtr _sceneColorForeground = NullFC;
+    PolygonForegroundPtr _sceneDepthForeground = NullFC;
 
-    BitVector _changes;
-    bool      _initialized;
+    BitVector _changes     = 0;
+    bool      _initialized = false;
 };
 
 typedef VolumeViewport *VolumeViewportP;

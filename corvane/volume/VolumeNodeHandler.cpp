@@ -225,50 +225,40 @@ void VolumeNodeHandler::setStepSize(float stepSize)
     endEditCP(_raycastingShader, SHLChunk::ParametersFieldMask);
 }
 
+template <class StrategyT>
+void VolumeNodeHandler::exchangeStrategy(StrategyT *&held, StrategyT *given)
+{
+    if(given != held)
+        delete held;
+    held = given;
+    if(held != NULL)
+        held->init(_volumeData);
+    init();
+}
+
 void VolumeNodeHandler::setRayGeneration(RayGeneration *rayGeneration)
 {
-    if(rayGeneration != _rayGeneration)
-        delete _rayGeneration;
-    _rayGeneration = rayGeneration;
-    if(_rayGeneration != NULL)
-        _rayGeneration->init(_volumeData);
-    init();
+    exchangeStrategy(_rayGeneration, rayGeneration);
 }
 
 void VolumeNodeHandler::setNormalfunction(NormalVolume *normalfunction)
 {
-    delete _normalfunction;
-    _normalfunction = normalfunction;
-    if(_normalfunction != NULL)
-        _normalfunction->init(_volumeData);
-    init();
+    exchangeStrategy(_normalfunction, normalfunction);
 }
 
 void VolumeNodeHandler::setShadingfunction(ShadingFunctions *shadingfunction)
 {
-    delete _shadingfunction;
-    _shadingfunction = shadingfunction;
-    if(_shadingfunction != NULL)
-        _shadingfunction->init(_volumeData);
-    init();
+    exchangeStrategy(_shadingfunction, shadingfunction);
 }
 
 void VolumeNodeHandler::setTraversalfunction(TraversalFunctions *traversalfunction)
 {
-    delete _traversalfunction;
-    _traversalfunction = traversalfunction;
-    if(_traversalfunction != NULL)
-        _traversalfunction->init(_volumeData);
-    init();
+    exchangeStrategy(_traversalfunction, traversalfunction);
 }
 
 void VolumeNodeHandler::setBVGeometry(BVGeometry *bvGeometry)
 {
-    delete _bvGeometry;
-    _bvGeometry = bvGeometry;
-    if(_bvGeometry != NULL)
-        _bvGeometry->init(_volumeData);
-    init();
+    exchangeStrategy(_bvGeometry, bvGeometry);
 }
 
 void VolumeNodeHandler::setTransferfunction(Transferfunction *transferfunction)

@@ -65,8 +65,8 @@ class VolumeNodeHandler
     /// Sets the stepSize uniform; the shader is not rebuilt.
     void setStepSize(float stepSize);
 
-    /// The strategy setters take ownership, delete the former object (only
-    /// setRayGeneration looks whether it is the same), and rebuild.
+    /// The strategy setters take ownership, delete the former object (unless
+    /// it is the one given again), and rebuild.
     void setRayGeneration(RayGeneration *rayGeneration);
     void setNormalfunction(NormalVolume *normalfunction);
     void setShadingfunction(ShadingFunctions *shadingfunction);
@@ -115,6 +115,11 @@ class VolumeNodeHandler
   private:
     VolumeNodeHandler(const VolumeNodeHandler &);
     VolumeNodeHandler &operator=(const VolumeNodeHandler &);
+
+    /// Deletes the held strategy for the given one, initialises it with the
+    /// volume data and rebuilds.
+    template <class StrategyT>
+    void exchangeStrategy(StrategyT *&held, StrategyT *given);
 
     /// Exchanges a held texture reference.
     static void exchange(osg::TextureChunkPtr &held, osg::TextureChunkPtr &given);

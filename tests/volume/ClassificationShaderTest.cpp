@@ -1,8 +1,9 @@
 // The classification texts of the transfer functions, compiled and linked
-// into a minimal ray-casting frame and run for one sample: the colour read
+// behind the ray caster's own preamble and run for one sample: the colour read
 // back from the framebuffer must be the table's entry for the value.
 #include <OpenSG/PreintTransferFunction.h>
 #include <OpenSG/SimpleTransferfunction.h>
+#include <OpenSG/VolumeNodeHandler.h>
 #include <OpenSG/OSGGL.h>
 #include <OpenSG/OSGHeadlessGLContext.h>
 #include <OpenSG/OSGImage.h>
@@ -19,57 +20,6 @@ using namespace osg;
 namespace
 {
 
-/// What the ray caster declares before the strategies' texts.
-const char *const FramePreamble = R"GLSL(#version 110
-#pragma optionNV(ifcvt none)
-#extension GL_ARB_gpu_shader4 : enable
-#extension GL_ARB_shader_texture_lod : enable
-
-struct Ray
-{
-    vec3 origin;
-    vec3 direction;
-    float tnear;
-    float tfar;
-    float length;
-    bool active;
-};
-
-struct SamplePoint
-{
-    vec3 position;
-    float t;
-    float stepsize;
-    vec3 normal;
-    vec4 value;
-    vec4 color;
-};
-
-void initSamplePoint(inout SamplePoint sample, in float stepsize)
-{
-    sample.position = vec3(0.0);
-    sample.t = 0.0;
-    sample.stepsize = stepsize;
-    sample.normal = vec3(0.0, 1.0, 0.0);
-    sample.value = vec4(0.0);
-    sample.color = vec4(0.0);
-}
-
-void storeSamplePoint(in SamplePoint current, out SamplePoint previous)
-{
-    previous = current;
-}
-
-uniform sampler3D volume;
-uniform sampler2D sceneColor;
-uniform sampler2D sceneDepth;
-uniform sampler2D frontTexture;
-uniform sampler2D backTexture;
-uniform vec3 volumeSize;
-uniform vec3 volumeResolution;
-uniform vec3 texelSize;
-uniform float stepSize;
-)GLSL";
 
 /// One sample: classify (current, previous), optionally correct and
 /// composite it over nothing.
@@ -172,7 +122,7 @@ class ClassificationShader : public testing::Test
     bool build(const std::string &strategy)
     {
         GLuint vs = compile(GL_VERTEX_SHADER, VertexShader);
-        GLuint fs = compile(GL_FRAGMENT_SHADER, FramePreamble + strategy + FrameMain);
+        GLuint fs = compile(GL_FRAGMENT_SHADER, VolumeNodeHandler().getPreambleShaderString() + strategy + FrameMain);
         _program  = glCreateProgram();
         glAttachShader(_program, vs);
         glAttachShader(_program, fs);

@@ -4,6 +4,7 @@
 // read back through getNormal in a shader on the GPU.
 #include <OpenSG/PreCentralDiffNormal.h>
 #include <OpenSG/VolumeData.h>
+#include <OpenSG/VolumeNodeHandler.h>
 #include <OpenSG/OSGChunkMaterial.h>
 #include <OpenSG/OSGGeometry.h>
 #include <OpenSG/OSGSHLChunk.h>
@@ -547,31 +548,9 @@ TEST(PreCentralDiffNormal, MaterialGetsTheTextureAndTheSamplerUnit)
 namespace normalstest
 {
 
-/// The two structs getNormal works on, and a main that samples it at a
+/// A main behind the ray caster's preamble that samples getNormal at a
 /// texel centre of one slice and shows the normal as a colour: a byte b of
 /// the normal volume reads back as b.
-const char *const NormalFrameHead = R"GLSL(#version 110
-struct Ray
-{
-    vec3 origin;
-    vec3 direction;
-    float tnear;
-    float tfar;
-    float length;
-    bool active;
-};
-
-struct SamplePoint
-{
-    vec3 position;
-    float t;
-    float stepsize;
-    vec3 normal;
-    vec4 value;
-    vec4 color;
-};
-)GLSL";
-
 const char *const NormalFrameMain = R"GLSL(
 uniform float slice;
 
@@ -615,7 +594,7 @@ TEST_F(NormalShader, GetNormalReadsTheNormalVolume)
     SHLChunkPtr shader = SHLChunk::create();
     beginEditCP(shader);
     shader->setVertexProgram(NormalFrameVertex);
-    shader->setFragmentProgram(NormalFrameHead + normals.getFragmentShaderString() +
+    shader->setFragmentProgram(VolumeNodeHandler().getPreambleShaderString() + normals.getFragmentShaderString() +
                                NormalFrameMain);
     endEditCP(shader);
 

@@ -101,10 +101,7 @@ PerspectiveCameraPtr makeCamera(Holder &h, const NodePtr &root, const Pnt3f &fro
     xform->setMatrix(m);
     endEditCP(xform);
 
-    NodePtr beacon = Node::create();
-    beginEditCP(beacon);
-    beacon->setCore(xform);
-    endEditCP(beacon);
+    NodePtr beacon = makeNodeFor(xform);
     beginEditCP(root, Node::ChildrenFieldMask);
     root->addChild(beacon);
     endEditCP(root, Node::ChildrenFieldMask);
@@ -149,53 +146,55 @@ EGLWindowPtr openWindow(Holder &h, UInt32 width, UInt32 height)
     return win;
 }
 
-bool renderToFile(Holder &h, const EGLWindowPtr &win, const char *fileName, UInt32 frames)
+ScreenDumpForegroundPtr addDumpPort(Holder &h, const EGLWindowPtr &win)
 {
-    const UInt32 width = win->getWidth(), height = win->getHeight();
-    // a last port over the whole window grabs the composed frame into the file
-    NodePtr empty = h.keep(Node::create());
-    beginEditCP(empty);
-    empty->setCore(Group::create());
-    endEditCP(empty);
-    ImagePtr shot = h.keep(Image::create());
-    shot->set(Image::OSG_RGB_PF, Int32(width), Int32(height));
+    NodePtr  empty = h.keep(makeNodeFor(Group::create()));
+    ImagePtr shot  = h.keep(Image::create());
+    shot->set(Image::OSG_RGB_PF, Int32(win->getWidth()), Int32(win->getHeight()));
     ScreenDumpForegroundPtr dump = h.keep(ScreenDumpForeground::create());
     beginEditCP(dump);
     dump->setImage(shot);
     dump->setAutoResize(true);
-    dump->setActive(true);
-    dump->getFilenames().push_back(fileName);
+    dump->setActive(false);
     endEditCP(dump);
     ViewportPtr grabber = addPort(h, win, makeCamera(h, empty, Pnt3f(0.f, 0.f, 1.f), Pnt3f(0.f, 0.f, 0.f)),
                                   empty, h.keep(PassiveBackground::create()), 0.f, 1.f);
     beginEditCP(grabber, Viewport::ForegroundsFieldMask);
     grabber->getForegrounds().push_back(dump);
     endEditCP(grabber, Viewport::ForegroundsFieldMask);
+    return dump;
+}
 
-    std::unique_ptr<RenderAction> action(RenderAction::create());
-    // earlier frames run with the dump inactive, so only the last is written
-    if(frames > 1)
-    {
-        beginEditCP(dump);
-        dump->setActive(false);
-        endEditCP(dump);
-        for(UInt32 i = 1; i < frames; ++i)
-            win->render(action.get());
-        beginEditCP(dump);
-        dump->setActive(true);
-        endEditCP(dump);
-    }
-    win->render(action.get());
+bool renderFrameToFile(const EGLWindowPtr &win, RenderAction *action,
+                       const ScreenDumpForegroundPtr &dump, const char *fileName)
+{
+    beginEditCP(dump);
+    dump->setActive(true);
+    dump->getFilenames().push_back(fileName);
+    endEditCP(dump);
+    win->render(action);
+    beginEditCP(dump);
+    dump->setActive(false);
+    endEditCP(dump);
 
     // the dump takes its file name off the queue whether or not it could write
     std::ifstream written(fileName, std::ios::binary | std::ios::ate);
-    bool ok = dump->getFilenames().empty() && written.good() && written.tellg() > 0;
+    return dump->getFilenames().empty() && written.good() && written.tellg() > 0;
+}
+
+bool renderToFile(Holder &h, const EGLWindowPtr &win, const char *fileName, UInt32 frames)
+{
+    ScreenDumpForegroundPtr       dump = addDumpPort(h, win);
+    std::unique_ptr<RenderAction> action(RenderAction::create());
+    // earlier frames only run; the last one is written
+    for(UInt32 i = 1; i < frames; ++i)
+        win->render(action.get());
+    bool ok = renderFrameToFile(win, action.get(), dump, fileName);
     while(!win->getPort().empty())
         win->subPort(UInt32(0));
     if(!ok)
         FWARNING(("renderToFile: can't write %s\n", fileName));
     return ok;
 }
-
 
 } // namespace corvane

@@ -12,6 +12,8 @@
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGPerspectiveCamera.h>
 #include <OpenSG/OSGQuaternion.h>
+#include <OpenSG/OSGRenderAction.h>
+#include <OpenSG/OSGScreenDumpForeground.h>
 #include <OpenSG/OSGSimpleMaterial.h>
 #include <OpenSG/OSGViewport.h>
 
@@ -69,6 +71,15 @@ osg::ViewportPtr addPort(Holder &h, const osg::EGLWindowPtr &win, const osg::Cam
 /// A headless window of width x height; NullFC, with a log line, when there
 /// is no OpenGL context.
 osg::EGLWindowPtr openWindow(Holder &h, osg::UInt32 width, osg::UInt32 height);
+
+/// Adds a last port over the whole window whose screen dump writes the
+/// composed frame; the dump stays inactive until renderFrameToFile asks.
+osg::ScreenDumpForegroundPtr addDumpPort(Holder &h, const osg::EGLWindowPtr &win);
+
+/// Renders one frame with the dump writing it into fileName; true when
+/// the file is there and not empty.
+bool renderFrameToFile(const osg::EGLWindowPtr &win, osg::RenderAction *action,
+                       const osg::ScreenDumpForegroundPtr &dump, const char *fileName);
 
 /// Adds a last port that grabs the composed frame into fileName, renders
 /// the window once (frames times in all), and removes the window's ports.

@@ -6,11 +6,8 @@
 #include <OpenSG/OSGBasicVolumeShadingStyle.h>
 #include <OpenSG/OSGDirectionalLight.h>
 #include <OpenSG/OSGGL.h>
-#include <OpenSG/OSGGroup.h>
 #include <OpenSG/OSGMatrixUtility.h>
-#include <OpenSG/OSGPassiveBackground.h>
 #include <OpenSG/OSGRenderAction.h>
-#include <OpenSG/OSGScreenDumpForeground.h>
 #include <OpenSG/OSGSimpleGeometry.h>
 #include <OpenSG/OSGTextureChunk.h>
 #include <OpenSG/OSGTransform.h>
@@ -86,15 +83,6 @@ std::string transferFile(const std::string &name, bool sixteenBit)
     if(name == "ramp")
         return dataDir() + "/ramp.tf";
     return name;
-}
-
-NodePtr makeNode(const NodeCorePtr &core)
-{
-    NodePtr node = Node::create();
-    beginEditCP(node);
-    node->setCore(core);
-    endEditCP(node);
-    return node;
 }
 
 void addChild(const NodePtr &parent, const NodePtr &child)
@@ -234,14 +222,14 @@ bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<
 
     // the scene: a sun, the volume, and a sphere that cuts into it
     progress.step(30, "preparing the volume");
-    NodePtr        lightBeacon = makeNode(Transform::create());
+    NodePtr        lightBeacon = makeNodeFor(Transform::create());
     DirectionalLightPtr sun    = DirectionalLight::create();
     beginEditCP(sun);
     sun->setDirection(Vec3f(0.4f, 0.7f, 0.6f));
     sun->setAmbient(Color4f(0.2f, 0.2f, 0.2f, 1.f));
     sun->setBeacon(lightBeacon);
     endEditCP(sun);
-    NodePtr root = h.keep(makeNode(sun));
+    NodePtr root = h.keep(makeNodeFor(sun));
     addChild(root, lightBeacon);
 
     const Real32 longest = osgMax(osgMax(image->getWidth() * thickness[0],
@@ -268,7 +256,7 @@ bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<
     volume->setVoxels(voxels);
     endEditCP(volume);
     applyStyle(h, volume, o.style);
-    addChild(root, makeNode(volume));
+    addChild(root, makeNodeFor(volume));
 
     if(o.mesh)
     {
@@ -285,7 +273,7 @@ bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<
                               Quaternion()));
     }
 
-    NodePtr      cameraBeacon = makeNode(Transform::create());
+    NodePtr      cameraBeacon = makeNodeFor(Transform::create());
     TransformPtr beacon       = TransformPtr::dcast(cameraBeacon->getCore());
     addChild(root, cameraBeacon);
     PerspectiveCameraPtr camera = h.keep(PerspectiveCamera::create());
@@ -310,20 +298,7 @@ bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<
     addPort(h, win, camera, root, background, 0.f, 1.f);
 
     // a last port grabs the frame into the file
-    NodePtr empty = h.keep(makeNode(Group::create()));
-    ImagePtr shot = h.keep(Image::create());
-    shot->set(Image::OSG_RGB_PF, Int32(o.width), Int32(o.height));
-    ScreenDumpForegroundPtr dump = h.keep(ScreenDumpForeground::create());
-    beginEditCP(dump);
-    dump->setImage(shot);
-    dump->setAutoResize(true);
-    dump->setActive(false);
-    endEditCP(dump);
-    ViewportPtr grabber = addPort(h, win, camera, empty, h.keep(PassiveBackground::create()), 0.f,
-                                  1.f);
-    beginEditCP(grabber, Viewport::ForegroundsFieldMask);
-    grabber->getForegrounds().push_back(dump);
-    endEditCP(grabber, Viewport::ForegroundsFieldMask);
+    ScreenDumpForegroundPtr dump = addDumpPort(h, win);
 
     std::unique_ptr<RenderAction> action(RenderAction::create());
     // the first frame builds the handler's GPU side and renders no volume
@@ -345,16 +320,7 @@ bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<
 
         // the same frame again, now written by the dump
         const std::string file = frameFile(o.output, frame, o.frames);
-        beginEditCP(dump);
-        dump->setActive(true);
-        dump->getFilenames().push_back(file);
-        endEditCP(dump);
-        win->render(action.get());
-        beginEditCP(dump);
-        dump->setActive(false);
-        endEditCP(dump);
-        std::ifstream written(file.c_str(), std::ios::binary | std::ios::ate);
-        if(!dump->getFilenames().empty() || !written.good() || written.tellg() <= 0)
+        if(!renderFrameToFile(win, action.get(), dump, file.c_str()))
         {
             error = "can't write '" + file + "'";
             ok    = false;

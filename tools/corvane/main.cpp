@@ -23,8 +23,6 @@
 #include <OpenSG/OSGLog.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdlib>
 #include <vector>
 #include "OutputFile.h"
 
@@ -71,34 +69,6 @@ const char *const VolumeHelp =
     "  --no-mesh                no sphere in the scene\n"
     "  --progress               a progress bar while loading and preparing\n";
 
-/// A whole unsigned number in [low, high], nothing else in the text.
-bool parseUnsigned(const char *text, unsigned long low, unsigned long high, unsigned &out)
-{
-    if(text == NULL || *text < '0' || *text > '9')
-        return false;
-    errno = 0;
-    char         *end   = NULL;
-    unsigned long value = strtoul(text, &end, 10);
-    if(errno != 0 || *end != '\0' || value < low || value > high)
-        return false;
-    out = unsigned(value);
-    return true;
-}
-
-/// A finite number in [low, high], nothing else in the text.
-bool parseReal(const char *text, double low, double high, float &out)
-{
-    if(text == NULL || *text == '\0')
-        return false;
-    errno = 0;
-    char  *end   = NULL;
-    double value = strtod(text, &end);
-    if(errno != 0 || *end != '\0' || !(value >= low && value <= high))
-        return false;
-    out = float(value);
-    return true;
-}
-
 int volumeError(const std::string &message)
 {
     fprintf(stderr, "corvane volume: %s\n", message.c_str());
@@ -125,8 +95,8 @@ int renderVolumeCommand(int argc, char **argv)
         }
         else if(a == "--size" && need(2))
         {
-            if(!parseUnsigned(argv[i + 1], 1, 8192, o.width) ||
-               !parseUnsigned(argv[i + 2], 1, 8192, o.height))
+            if(!corvane::parseUInt(argv[i + 1], 1, 8192, o.width) ||
+               !corvane::parseUInt(argv[i + 2], 1, 8192, o.height))
                 return volumeError("bad image size '" + std::string(argv[i + 1]) + " " +
                                    argv[i + 2] + "' (1 to 8192 each)");
             i += 2;
@@ -165,27 +135,27 @@ int renderVolumeCommand(int argc, char **argv)
             o.preintegrated = true;
         else if(a == "--step" && need(1))
         {
-            if(!parseReal(argv[++i], 0.0005, 0.5, o.stepSize))
+            if(!corvane::parseFloat(argv[++i], 0.0005f, 0.5f, o.stepSize))
                 return volumeError("bad step '" + std::string(argv[i]) + "' (0.0005 to 0.5)");
         }
         else if(a == "--orbit" && need(1))
         {
-            if(!parseUnsigned(argv[++i], 1, 3600, o.frames))
+            if(!corvane::parseUInt(argv[++i], 1, 3600, o.frames))
                 return volumeError("bad frame count '" + std::string(argv[i]) + "' (1 to 3600)");
         }
         else if(a == "--azimuth" && need(1))
         {
-            if(!parseReal(argv[++i], -360.0, 360.0, o.azimuth))
+            if(!corvane::parseFloat(argv[++i], -360.0f, 360.0f, o.azimuth))
                 return volumeError("bad azimuth '" + std::string(argv[i]) + "'");
         }
         else if(a == "--elevation" && need(1))
         {
-            if(!parseReal(argv[++i], -89.0, 89.0, o.elevation))
+            if(!corvane::parseFloat(argv[++i], -89.0f, 89.0f, o.elevation))
                 return volumeError("bad elevation '" + std::string(argv[i]) + "'");
         }
         else if(a == "--phantom-size" && need(1))
         {
-            if(!parseUnsigned(argv[++i], 8, 512, o.phantomSize))
+            if(!corvane::parseUInt(argv[++i], 8, 512, o.phantomSize))
                 return volumeError("bad phantom size '" + std::string(argv[i]) + "' (8 to 512)");
         }
         else if(a == "--no-mesh")

@@ -138,10 +138,7 @@ BackgroundPtr makeSkydome(Holder &h)
 NodePtr makeObjects(Holder &h)
 {
     // a sun from the upper left, fixed in the world
-    NodePtr lightBeacon = Node::create();
-    beginEditCP(lightBeacon);
-    lightBeacon->setCore(Group::create());
-    endEditCP(lightBeacon);
+    NodePtr lightBeacon = makeNodeFor(Group::create());
     DirectionalLightPtr sun = DirectionalLight::create();
     beginEditCP(sun);
     sun->setDirection(Vec3f(-0.5f, 0.8f, 0.6f));

@@ -29,15 +29,6 @@ SimpleMaterialPtr plastic(const Color3f &diffuse)
     return mat;
 }
 
-NodePtr withCore(const NodeCorePtr &core)
-{
-    NodePtr node = Node::create();
-    beginEditCP(node);
-    node->setCore(core);
-    endEditCP(node);
-    return node;
-}
-
 /// A torus in plain grey, lifted, tilted and drawn in copper by one
 /// MultiCore that carries both a transform and a material group.
 NodePtr carriedTorus(void)
@@ -63,7 +54,7 @@ NodePtr carriedTorus(void)
     both->addCore(copper);
     endEditCP(both, MultiCore::CoresFieldMask);
 
-    NodePtr node = withCore(both);
+    NodePtr node = makeNodeFor(both);
     beginEditCP(node, Node::ChildrenFieldMask);
     node->addChild(torus);
     endEditCP(node, Node::ChildrenFieldMask);
@@ -87,7 +78,7 @@ NodePtr layerOfThree(Holder &h)
     layer->getMFVisible()->push_back(true);
     endEditCP(layer, Layer::VisibleFieldMask);
 
-    NodePtr node = withCore(layer);
+    NodePtr node = makeNodeFor(layer);
     beginEditCP(node, Node::ChildrenFieldMask);
     node->addChild(placed(h, sphere, Vec3f(-1.3f, 0.6f, 0.f), Quaternion()));
     node->addChild(placed(h, box, Vec3f(0.f, 0.5f, 0.f), Quaternion()));
@@ -103,7 +94,7 @@ bool renderCores(const char *fileName, UInt32 width, UInt32 height)
     if(win == NullFC)
         return false;
 
-    NodePtr lightBeacon = withCore(Group::create());
+    NodePtr lightBeacon = makeNodeFor(Group::create());
     DirectionalLightPtr sun = DirectionalLight::create();
     beginEditCP(sun);
     sun->setDirection(Vec3f(-0.4f, 0.8f, 0.6f));
@@ -117,7 +108,7 @@ bool renderCores(const char *fileName, UInt32 width, UInt32 height)
                                         Color3f(1.f, 1.f, 1.f)));
     Quaternion flat(Vec3f(1.f, 0.f, 0.f), osgdegree2rad(-90.f));
 
-    NodePtr root = h.keep(withCore(sun));
+    NodePtr root = h.keep(makeNodeFor(sun));
     beginEditCP(root, Node::ChildrenFieldMask);
     root->addChild(lightBeacon);
     root->addChild(placed(h, floor, Vec3f(0.f, 0.f, 0.f), flat));

@@ -27,15 +27,6 @@ namespace
 const Real32 SailKnots[]    = {0.f, 0.f, 0.f, 0.f, 0.5f, 1.f, 1.f, 1.f, 1.f};
 const Real32 SailGreville[] = {0.f, 1.f / 6.f, 0.5f, 5.f / 6.f, 1.f};
 
-NodePtr nodeOf(const NodeCorePtr &core)
-{
-    NodePtr n = Node::create();
-    beginEditCP(n);
-    n->setCore(core);
-    endEditCP(n);
-    return n;
-}
-
 MaterialPtr unlit(const Color3f &c)
 {
     SimpleMaterialPtr m = SimpleMaterial::create();
@@ -218,7 +209,7 @@ bool renderNurbs(const char *fileName, UInt32 width, UInt32 height)
     if(win == NullFC)
         return false;
 
-    NodePtr lightBeacon = nodeOf(Group::create());
+    NodePtr lightBeacon = makeNodeFor(Group::create());
     DirectionalLightPtr sun = DirectionalLight::create();
     beginEditCP(sun);
     sun->setDirection(Vec3f(-0.4f, 0.5f, 0.8f));
@@ -232,9 +223,9 @@ bool renderNurbs(const char *fileName, UInt32 width, UInt32 height)
     beginEditCP(root);
     root->setCore(sun);
     root->addChild(lightBeacon);
-    root->addChild(nodeOf(makeSail(h, trims)));
-    root->addChild(nodeOf(makeRing()));
-    root->addChild(nodeOf(makeSwing()));
+    root->addChild(makeNodeFor(makeSail(h, trims)));
+    root->addChild(makeNodeFor(makeRing()));
+    root->addChild(makeNodeFor(makeSwing()));
     endEditCP(root);
 
     CameraPtr camera = makeCamera(h, root, Pnt3f(2.6f, 1.2f, 6.8f), Pnt3f(0.f, 0.1f, 0.4f), 45.f);

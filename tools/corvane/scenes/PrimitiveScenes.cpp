@@ -164,15 +164,6 @@ PrimitiveDrawerPtr makeFlower(void)
     return flower;
 }
 
-NodePtr primitivesSceneNode(const NodeCorePtr &core)
-{
-    NodePtr node = Node::create();
-    beginEditCP(node);
-    node->setCore(core);
-    endEditCP(node);
-    return node;
-}
-
 bool renderPrimitives(const char *fileName, UInt32 width, UInt32 height)
 {
     Holder       h;
@@ -189,7 +180,7 @@ bool renderPrimitives(const char *fileName, UInt32 width, UInt32 height)
 
     // a dim light from above for the floor; the particles and the flower
     // are unlit
-    NodePtr lightBeacon = primitivesSceneNode(Group::create());
+    NodePtr lightBeacon = makeNodeFor(Group::create());
     DirectionalLightPtr light = DirectionalLight::create();
     beginEditCP(light);
     light->setDirection(Vec3f(0.2f, 1.f, 0.5f));
@@ -198,12 +189,12 @@ bool renderPrimitives(const char *fileName, UInt32 width, UInt32 height)
     light->setBeacon(lightBeacon);
     endEditCP(light);
 
-    NodePtr root = h.keep(primitivesSceneNode(light));
+    NodePtr root = h.keep(makeNodeFor(light));
     beginEditCP(root);
     root->addChild(lightBeacon);
     root->addChild(placed(h, floor, Vec3f(0.f, 0.f, 0.f), flat));
-    root->addChild(placed(h, primitivesSceneNode(makeFountain()), Vec3f(-1.1f, 0.f, 0.f), Quaternion()));
-    root->addChild(placed(h, primitivesSceneNode(makeFlower()), Vec3f(2.f, 0.f, 0.5f), Quaternion()));
+    root->addChild(placed(h, makeNodeFor(makeFountain()), Vec3f(-1.1f, 0.f, 0.f), Quaternion()));
+    root->addChild(placed(h, makeNodeFor(makeFlower()), Vec3f(2.f, 0.f, 0.5f), Quaternion()));
     endEditCP(root);
 
     CameraPtr camera = makeCamera(h, root, Pnt3f(0.3f, 1.6f, 7.f), Pnt3f(0.3f, 1.3f, 0.f), 45.f);

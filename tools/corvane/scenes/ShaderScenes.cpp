@@ -111,15 +111,6 @@ ChunkMaterialPtr withFog(Holder &h, const ChunkMaterialPtr &surface)
     return foggy;
 }
 
-NodePtr shaderNodeOf(const NodeCorePtr &core)
-{
-    NodePtr n = Node::create();
-    beginEditCP(n);
-    n->setCore(core);
-    endEditCP(n);
-    return n;
-}
-
 GeometryPtr withMaterial(GeometryPtr geo, const MaterialPtr &material)
 {
     beginEditCP(geo, Geometry::MaterialFieldMask);
@@ -137,7 +128,7 @@ NodePtr underLights(const std::vector<LightPtr> &lights, NodePtr objects,
         beginEditCP(light, Light::BeaconFieldMask);
         light->setBeacon(beacon);
         endEditCP(light, Light::BeaconFieldMask);
-        NodePtr n = shaderNodeOf(light);
+        NodePtr n = makeNodeFor(light);
         beginEditCP(n);
         n->addChild(objects);
         endEditCP(n);
@@ -191,10 +182,10 @@ NodePtr pair(Holder &h, const GeometryPtr &sphere, const GeometryPtr &torus)
 {
     Quaternion tilt;
     tilt.setValueAsAxisDeg(1.f, 0.f, 0.f, 70.f);
-    NodePtr group = shaderNodeOf(Group::create());
+    NodePtr group = makeNodeFor(Group::create());
     beginEditCP(group);
-    group->addChild(placed(h, shaderNodeOf(sphere), Vec3f(0.f, 0.35f, 0.f), Quaternion()));
-    group->addChild(placed(h, shaderNodeOf(torus), Vec3f(0.f, -0.55f, 0.f), tilt));
+    group->addChild(placed(h, makeNodeFor(sphere), Vec3f(0.f, 0.35f, 0.f), Quaternion()));
+    group->addChild(placed(h, makeNodeFor(torus), Vec3f(0.f, -0.55f, 0.f), tilt));
     endEditCP(group);
     return group;
 }
@@ -202,11 +193,11 @@ NodePtr pair(Holder &h, const GeometryPtr &sphere, const GeometryPtr &torus)
 /// Spheres receding into the fog, in a row on either side.
 NodePtr avenue(Holder &h, const GeometryPtr &sphere)
 {
-    NodePtr group = shaderNodeOf(Group::create());
+    NodePtr group = makeNodeFor(Group::create());
     beginEditCP(group);
     for(int i = 0; i < 6; ++i)
         for(int side = -1; side <= 1; side += 2)
-            group->addChild(placed(h, shaderNodeOf(sphere),
+            group->addChild(placed(h, makeNodeFor(sphere),
                                    Vec3f(side * 1.3f, 0.f, 2.f - 3.f * Real32(i)), Quaternion()));
     endEditCP(group);
     return group;
@@ -233,7 +224,7 @@ bool renderPermutation(const char *fileName, UInt32 width, UInt32 height)
     const UInt32  counts[3] = {1, 2, 4};
     for(UInt32 i = 0; i < 3; ++i)
     {
-        NodePtr root = h.keep(shaderNodeOf(Group::create()));
+        NodePtr root = h.keep(makeNodeFor(Group::create()));
         CameraPtr camera = makeCamera(h, root, Pnt3f(0.f, 0.4f, 4.2f), Pnt3f(0.f, 0.f, 0.f), 40.f);
         beginEditCP(root);
         root->addChild(underLights(lightSet(counts[i]), pair(h, sphere, torus), root));
@@ -244,7 +235,7 @@ bool renderPermutation(const char *fileName, UInt32 width, UInt32 height)
         endEditCP(port);
     }
 
-    NodePtr root = h.keep(shaderNodeOf(Group::create()));
+    NodePtr root = h.keep(makeNodeFor(Group::create()));
     PerspectiveCameraPtr camera =
         makeCamera(h, root, Pnt3f(0.f, 1.8f, 6.5f), Pnt3f(0.f, 0.f, -5.f), 45.f);
     beginEditCP(root);
