@@ -10,6 +10,7 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <support/ScratchDir.h>
 
 OSG_USING_NAMESPACE
 
@@ -182,7 +183,7 @@ TEST(LogLocking, StatementHoldsTheLockToItsEnd)
 
 TEST(LogDestinations, FileAndNone)
 {
-    std::string path = testing::TempDir() + "osg_log_test.txt";
+    std::string path = corvanetest::scratchPath("osg_log_test.txt");
     {
         Log log(path.c_str());
         EXPECT_EQ(log.getLogType(), LOG_FILE);
@@ -317,7 +318,7 @@ TEST_F(LogEnvironmentOverride, UnknownLevelNameMeansDebug)
 
 TEST_F(LogEnvironmentOverride, FileAloneDoesNotStick)
 {
-    std::string path = testing::TempDir() + "osg_log_env.txt";
+    std::string path = corvanetest::scratchPath("osg_log_env.txt");
     setenv("OSG_LOG_FILE", path.c_str(), 1);
     Log log(LOG_BUFFER);
     log.applyEnvironment();

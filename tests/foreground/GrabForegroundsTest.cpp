@@ -24,6 +24,7 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
+#include <support/ScratchDir.h>
 
 using namespace osg;
 using namespace wintest;
@@ -365,8 +366,8 @@ TEST_F(GrabsFixture, ScreenDumpWritesOneFilePerFrame)
     ViewportPtr reader = port(0.f, 1.f, 0.f, 1.f, PassiveBackground::create());
     (void)red;
 
-    const std::string first  = "/tmp/corvane_grab_dump_1.png";
-    const std::string second = "/tmp/corvane_grab_dump_2.png";
+    const std::string first  = corvanetest::scratchPath("grab_dump_1.png");
+    const std::string second = corvanetest::scratchPath("grab_dump_2.png");
     std::remove(first.c_str());
     std::remove(second.c_str());
 
@@ -412,7 +413,7 @@ TEST_F(GrabsFixture, ScreenDumpDropsAFileItCannotOpen)
 {
     ViewportPtr vp = port(0.f, 1.f, 0.f, 1.f, solid(Red));
 
-    const std::string good = "/tmp/corvane_grab_dump_good.png";
+    const std::string good = corvanetest::scratchPath("grab_dump_good.png");
     std::remove(good.c_str());
 
     ScreenDumpForegroundPtr dump = ScreenDumpForeground::create();

@@ -15,6 +15,7 @@
 #include <string>
 #include <tuple>
 #include <unistd.h>
+#include <support/ScratchDir.h>
 
 using namespace osg;
 
@@ -162,8 +163,7 @@ TEST_P(PNGRoundTrip, MemoryAndFileAreBitExact)
         ASSERT_TRUE(decode(encode(src), viaMemory));
         expectSame(viaMemory, src);
 
-        const std::string file = ::testing::TempDir() + "png_roundtrip_" +
-                                 std::to_string(getpid()) + ".png";
+        const std::string file = corvanetest::scratchPath("png_roundtrip.png");
         PNGPixels viaFile;
         ASSERT_TRUE(writePNGFile(file.c_str(), src));
         ASSERT_TRUE(readPNGFile(file.c_str(), viaFile));

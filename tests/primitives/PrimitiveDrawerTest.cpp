@@ -14,6 +14,7 @@
 #include <string>
 #include <unistd.h>
 #include <vector>
+#include <support/ScratchDir.h>
 
 using namespace osg;
 using namespace wintest;
@@ -149,7 +150,7 @@ TEST_F(PrimitiveDrawerTest, BaseAfterTheLastHashNamesTheSymbols)
     EXPECT_NE(probe(drawer), nullptr);
 
     // a "#" in the file name: only the last one separates
-    const std::string odd = ::testing::TempDir() + "corvane#probe.so";
+    const std::string odd = corvanetest::scratchPath("corvane#probe.so");
     std::remove(odd.c_str());
     ASSERT_EQ(symlink((ProbeDir + "/libprobe_spark.so").c_str(), odd.c_str()), 0);
     EXPECT_EQ(load(drawer, odd + "#spark"), "");

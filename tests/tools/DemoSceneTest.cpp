@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <sstream>
 #include <string>
+#include <support/ScratchDir.h>
 
 using namespace osg;
 
@@ -25,7 +26,7 @@ class SceneShot
   public:
     explicit SceneShot(const std::string &name)
     {
-        _file = ::testing::TempDir() + "corvane_demo_" + name + ".png";
+        _file = corvanetest::scratchPath("demo_" + name + ".png");
         std::remove(_file.c_str());
         if(!corvane::renderDemoScene(name, _file.c_str(), W, H))
             return;
@@ -87,7 +88,7 @@ TEST(DemoScene, UnknownScenesAndUnwritableFilesFail)
         GTEST_SKIP() << "no EGL context";
 
     LogCapture log(LOG_WARNING);
-    EXPECT_FALSE(corvane::renderDemoScene("nosuch", "/tmp/x.png", W, H));
+    EXPECT_FALSE(corvane::renderDemoScene("nosuch", corvanetest::scratchPath("x.png").c_str(), W, H));
     EXPECT_NE(log.take().find("no scene named nosuch"), std::string::npos);
     EXPECT_FALSE(corvane::renderDemoScene("shaded", "/nonexistent/dir/x.png", W, H));
     EXPECT_NE(log.take().find("can't write"), std::string::npos);

@@ -17,6 +17,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <support/ScratchDir.h>
 
 using namespace osg;
 using corvanetest::contains;
@@ -26,7 +27,7 @@ namespace
 
 std::string tempPath(const std::string &name)
 {
-    return testing::TempDir() + "corvane_tf_" + name;
+    return corvanetest::scratchPath("tf_" + name);
 }
 
 std::string writeFile(const std::string &name, const std::string &text)

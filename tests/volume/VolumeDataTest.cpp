@@ -12,6 +12,7 @@
 #include <cstring>
 #include <string>
 #include <vector>
+#include <support/ScratchDir.h>
 
 using namespace osg;
 using corvanetest::contains;
@@ -41,7 +42,7 @@ const T *voxelsOf(const VolumeData &volume)
 
 std::string volumeTempPath(const std::string &name)
 {
-    return testing::TempDir() + "corvane_volume_" + name;
+    return corvanetest::scratchPath("volume_" + name);
 }
 
 /// Standard output is captured for the whole test: loading talks a lot.

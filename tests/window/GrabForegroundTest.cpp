@@ -22,6 +22,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <support/ScratchDir.h>
 
 using namespace osg;
 using namespace wintest;
@@ -179,9 +180,7 @@ TEST_F(GrabFixture, FileGrabWritesNumberedFiles)
     ViewportPtr reader = port(0.f, 1.f, 0.f, 1.f, PassiveBackground::create());
     (void)vp;
 
-    const std::string pattern = "/tmp/corvane_window_filegrab_%02d.png";
-    std::remove("/tmp/corvane_window_filegrab_03.png");
-    std::remove("/tmp/corvane_window_filegrab_04.png");
+    const std::string pattern = corvanetest::scratchPath("filegrab_%02d.png");
 
     FileGrabForegroundPtr fg = FileGrabForeground::create();
     beginEditCP(fg);
@@ -196,7 +195,7 @@ TEST_F(GrabFixture, FileGrabWritesNumberedFiles)
     EXPECT_EQ(fg->getFrame(), 5u);
 
     PNGPixels png;
-    ASSERT_TRUE(readPNGFile("/tmp/corvane_window_filegrab_04.png", png));
+    ASSERT_TRUE(readPNGFile(corvanetest::scratchPath("filegrab_04.png").c_str(), png));
     EXPECT_EQ(png.width, 64u);
     EXPECT_EQ(png.height, 48u);
     ASSERT_EQ(png.channels, 3u);
