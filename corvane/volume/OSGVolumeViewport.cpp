@@ -1,6 +1,7 @@
 #include <OpenSG/OSGVolumeViewport.h>
 #include <OpenSG/OSGCamera.h>
 #include <OpenSG/OSGChunkMaterial.h>
+#include <OpenSG/OSGGL.h>
 #include <OpenSG/OSGImage.h>
 #include <OpenSG/OSGLog.h>
 #include <OpenSG/OSGRenderAction.h>
@@ -231,24 +232,54 @@ bool VolumeViewport::initialize(void)
     for(UInt32 i = 0; i < getVolumeNodes().size(); ++i)
     {
         VolumeNode *node = volumeNodeOf(getVolumeNodes()[i]);
-        if(node == NULL || node->getVolume() == NULL)
-            continue;
-        VolumeNodeHandler *handler = node->getVolume();
-        node->initVolume();
-        FNOTICE(("Initializing Textures and Fbo's...\n"));
-        handler->setFrontAndBackTexture(_frontTexture, _backTexture);
-        handler->setSceneTextures(_sceneColorTexture, _sceneDepthTexture);
-        beginEditCP(_sceneFBO);
-        _sceneFBO->getExcludeNodes().clear();
-        _sceneFBO->getExcludeNodes().push_back(handler->getRaycasterNode());
-        endEditCP(_sceneFBO);
-        node->attachVolume();
-        served = true;
+        if(node != NULL && node->getVolume() != NULL && fitsTextureLimit(node))
+            served = serveVolume(node) || served;
     }
     if(!served)
         return false;
     _changes = 0;
     return true;
+}
+
+bool VolumeViewport::serveVolume(VolumeNode *node)
+{
+    VolumeNodeHandler *handler = node->getVolume();
+    node->initVolume();
+    FNOTICE(("Initializing Textures and Fbo's...\n"));
+    handler->setFrontAndBackTexture(_frontTexture, _backTexture);
+    handler->setSceneTextures(_sceneColorTexture, _sceneDepthTexture);
+    beginEditCP(_sceneFBO);
+    _sceneFBO->getExcludeNodes().clear();
+    _sceneFBO->getExcludeNodes().push_back(handler->getRaycasterNode());
+    endEditCP(_sceneFBO);
+    node->attachVolume();
+    return true;
+}
+
+bool VolumeViewport::fitsTextureLimit(VolumeNode *node)
+{
+    TextureChunkPtr voxels = node->getVoxels();
+    ImagePtr        image  = voxels != NullFC ? voxels->getImage() : ImagePtr(NullFC);
+    if(image == NullFC)
+        return true;
+    GLint limit = 0;
+    glGetIntegerv(GL_MAX_3D_TEXTURE_SIZE, &limit);
+    const Int32 largest =
+        std::max(image->getWidth(), std::max(image->getHeight(), image->getDepth()));
+    if(limit <= 0 || largest <= limit)
+        return true;
+    // said once per handler: the ray caster of a refused volume never
+    // enters the scene, so every frame comes here again
+    NodePtr raycaster = node->getVolume()->getRaycasterNode();
+    if(std::find(_refused.begin(), _refused.end(), raycaster) == _refused.end())
+    {
+        _refused.push_back(raycaster);
+        SWARNING << "VolumeViewport: a volume of " << image->getWidth() << " x "
+                 << image->getHeight() << " x " << image->getDepth()
+                 << " voxels is larger than the 3-D texture limit of " << limit
+                 << " and is not drawn" << std::endl;
+    }
+    return false;
 }
 
 void VolumeViewport::initPolygonForegrounds(void)
@@ -366,9 +397,14 @@ void VolumeViewport::renderVolumes(RenderActionBase *action)
     for(UInt32 i = 0; i < getVolumeNodes().size(); ++i)
     {
         VolumeNode *node = volumeNodeOf(getVolumeNodes()[i]);
-        if(node == NULL || node->getVolume() == NULL)
+        if(node == NULL || node->getVolume() == NULL || !fitsTextureLimit(node))
             continue;
         VolumeNodeHandler *handler = node->getVolume();
+        // new voxels since the set-up bring a new handler: its ray caster
+        // is not in the scene yet
+        if(handler->getRaycasterNode() != NullFC && !node->getParents().empty() &&
+           handler->getRaycasterNode()->getParent() == NullFC)
+            serveVolume(node);
         node->initVolume();
         setTargetRoot(_frontFBO, handler->getFrontPositionScenegraphRoot());
         setTargetRoot(_backFBO, handler->getBackPositionScenegraphRoot());

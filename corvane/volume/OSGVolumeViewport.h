@@ -10,9 +10,12 @@
 #include <OpenSG/OSGPolygonForeground.h>
 #include <OpenSG/OSGTextureChunk.h>
 
+#include <vector>
+
 OSG_BEGIN_NAMESPACE
 
 class RenderAction;
+class VolumeNode;
 
 class VolumeViewport : public VolumeViewportBase
 {
@@ -52,6 +55,12 @@ class VolumeViewport : public VolumeViewportBase
 
     /// The scene pass, or a position pass with its own action.
     void renderTarget(const FBOViewportPtr &target, RenderActionBase *action);
+    /// Gives a node's handler the viewport's textures and hangs its ray
+    /// caster into the scene.
+    bool serveVolume(VolumeNode *node);
+    /// Whether the node's voxels fit the current context's 3-D textures;
+    /// a volume that doesn't is said once and never drawn.
+    bool fitsTextureLimit(VolumeNode *node);
 
     RenderAction *_frontAction = NULL;
     RenderAction *_backAction  = NULL;
@@ -72,6 +81,7 @@ class VolumeViewport : public VolumeViewportBase
 
     BitVector _changes     = 0;
     bool      _initialized = false;
+    std::vector<NodePtr> _refused;
 };
 
 typedef VolumeViewport *VolumeViewportP;

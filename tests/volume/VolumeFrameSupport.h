@@ -23,6 +23,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -31,6 +33,18 @@ namespace voltest
 {
 
 using namespace osg;
+
+/// The edge of the test volumes.
+const Int32 N = 16;
+
+/// A soft ball in an N^3 volume: 255 at the centre, falling off to 0 at
+/// the edge.
+inline UInt8 ball(Int32 x, Int32 y, Int32 z)
+{
+    const Real32 c = (N - 1) / 2.f;
+    const Real32 r = std::sqrt((x - c) * (x - c) + (y - c) * (y - c) + (z - c) * (z - c)) / c;
+    return UInt8(std::max(0.f, 1.f - r) * 255.f + 0.5f);
+}
 
 /// Voxels of an n^3 8-bit volume from a function of the voxel index.
 inline TextureChunkPtr makeVoxels(Int32 w, Int32 h, Int32 d,
