@@ -88,15 +88,6 @@ const std::vector<uint8_t> &voxelsOf(VolumeKind kind)
     return kind == Dense ? dense : sparse;
 }
 
-NodePtr makeNode(const NodeCorePtr &core)
-{
-    NodePtr node = Node::create();
-    beginEditCP(node);
-    node->setCore(core);
-    endEditCP(node);
-    return node;
-}
-
 void addChild(const NodePtr &parent, const NodePtr &child)
 {
     beginEditCP(parent, Node::ChildrenFieldMask);
@@ -130,7 +121,7 @@ class VolumeFrame
             return;
 
         // camera on a beacon; the head light rides on the same beacon
-        NodePtr cameraBeacon = makeNode(Transform::create());
+        NodePtr cameraBeacon = makeNodeFor(Transform::create());
         Matrix  view;
         MatrixLookAt(view, Pnt3f(Eye[0], Eye[1], Eye[2]), Pnt3f(At[0], At[1], At[2]),
                      Vec3f(0.f, 1.f, 0.f));
@@ -147,7 +138,7 @@ class VolumeFrame
         head->setSpecular(Color4f(0.f, 0.f, 0.f, 1.f));
         head->setBeacon(cameraBeacon);
         endEditCP(head);
-        _root = makeNode(head);
+        _root = makeNodeFor(head);
         addRefCP(_root);
         addChild(_root, cameraBeacon);
 
@@ -178,7 +169,7 @@ class VolumeFrame
             _volume->setVoxels(textureOf(image));
             endEditCP(_volume);
         }
-        addChild(_root, makeNode(_volume));
+        addChild(_root, makeNodeFor(_volume));
 
         // the opaque sphere
         SimpleMaterialPtr material = SimpleMaterial::create();
@@ -198,7 +189,7 @@ class VolumeFrame
         beginEditCP(place);
         place->setMatrix(at);
         endEditCP(place);
-        NodePtr placed = makeNode(place);
+        NodePtr placed = makeNodeFor(place);
         addChild(placed, ball);
         addChild(_root, placed);
 
