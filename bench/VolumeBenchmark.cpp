@@ -2,6 +2,7 @@
 // function, each next to a memcpy of the bytes it reads: the 16-bit
 // normalisation of a 512^3 volume, the block grid and the bit grid of a
 // 256^3 volume, the 8-bit pre-integration table and the dependent table.
+#include "QuietStdout.h"
 #include <OpenSG/BitVolume.h>
 #include <OpenSG/BlockVolume.h>
 #include <OpenSG/SimpleTransferfunction.h>
@@ -23,6 +24,7 @@
 #include <unistd.h>
 
 using namespace osg;
+using corvanebench::QuietStdout;
 
 namespace
 {
@@ -46,30 +48,6 @@ std::vector<T> makeVoxels(UInt64 count, UInt32 maxValue, UInt32 seed)
     }
     return v;
 }
-
-/// Silences standard output while a volume is adopted: the load reports
-/// would land in the middle of the benchmark table.
-class QuietStdout
-{
-  public:
-    QuietStdout(void)
-    {
-        std::fflush(stdout);
-        _saved = dup(1);
-        int sink = open("/dev/null", O_WRONLY);
-        dup2(sink, 1);
-        close(sink);
-    }
-    ~QuietStdout(void)
-    {
-        std::fflush(stdout);
-        dup2(_saved, 1);
-        close(_saved);
-    }
-
-  private:
-    int _saved;
-};
 
 void bytesProcessed(benchmark::State &state, UInt64 bytes)
 {

@@ -13,6 +13,7 @@
 //    the boundary of the blocks to visit already limits the rays.
 //
 // CORVANE_BENCH_PNG=DIR writes each case's frame once to DIR/corvane_<case>.png.
+#include "QuietStdout.h"
 #include "vtk/VolumeFrameScene.h"
 
 #include <OpenSG/OSGDirectionalLight.h>
@@ -45,33 +46,10 @@
 #include <unistd.h>
 
 using namespace osg;
+using corvanebench::QuietStdout;
 
 namespace
 {
-
-/// Standard output goes to /dev/null while it lives: the volume load
-/// reports its progress there, in the middle of the benchmark table.
-class QuietStdout
-{
-  public:
-    QuietStdout(void)
-    {
-        std::fflush(stdout);
-        _saved   = dup(1);
-        int sink = open("/dev/null", O_WRONLY);
-        dup2(sink, 1);
-        close(sink);
-    }
-    ~QuietStdout(void)
-    {
-        std::fflush(stdout);
-        dup2(_saved, 1);
-        close(_saved);
-    }
-
-  private:
-    int _saved;
-};
 
 enum VolumeKind
 {
