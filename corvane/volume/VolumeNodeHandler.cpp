@@ -346,7 +346,18 @@ bool VolumeNodeHandler::init(void)
     if(_volumeData == NULL || _bvGeometry == NULL || _rayGeneration == NULL ||
        _normalfunction == NULL || _transferfunction == NULL || _shadingfunction == NULL ||
        _traversalfunction == NULL)
+    {
+        // a ray caster that has drawn before draws nothing until it is
+        // whole again, instead of going on with a program of strategies
+        // it no longer has
+        if(_raycastingShader != NullFC)
+        {
+            beginEditCP(_raycastingShader, SHLChunk::FragmentProgramFieldMask);
+            _raycastingShader->setFragmentProgram("void main()\n{\n    discard;\n}\n");
+            endEditCP(_raycastingShader, SHLChunk::FragmentProgramFieldMask);
+        }
         return true;
+    }
 
     // blocks of edge 8, the inner step count of block skipping
     if(_volumeData->getBlockVolume() == NULL)

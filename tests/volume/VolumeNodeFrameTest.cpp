@@ -11,6 +11,7 @@
 #include <OpenSG/OSGSHLChunk.h>
 #include <OpenSG/OSGVolume.h>
 #include <OpenSG/RayGeneration.h>
+#include <OpenSG/ShadingFunctions.h>
 #include <OpenSG/VolumeNodeHandler.h>
 
 #include <algorithm>
@@ -205,6 +206,23 @@ TEST_F(VolumeFrameEdges, VoxelsReplacedWhileRunningAreShown)
     EXPECT_EQ(volumeNode->getChild(0), volume->getVolume()->getRaycasterNode());
     EXPECT_GT(centre(), soft + 0.05f) << "the opaque cube is brighter than the soft ball";
     expectNoGLError();
+}
+
+TEST_F(VolumeFrameEdges, HandlerWithAStrategyMissingDrawsNoVolume)
+{
+    setVoxels(makeVoxels(N, N, N, ball));
+    render();
+    render();
+    ASSERT_GT(centre(), 0.1f);
+    volume->getVolume()->setShadingfunction(NULL);
+    render();
+    render();
+    EXPECT_LT(centre(), 0.01f) << "the scene alone, black here";
+    expectNoGLError();
+
+    volume->getVolume()->setShadingfunction(new DVRShading);
+    render();
+    EXPECT_GT(centre(), 0.1f) << "whole again";
 }
 
 TEST_F(VolumeFrameEdges, TwoParentsLoseTheirChildrenAndTheLastShowsTheVolume)
