@@ -11,6 +11,7 @@
 #include <OpenSG/SimpleTransferfunction.h>
 #include <OpenSG/TraversalFunctions.h>
 #include <OpenSG/VolumeNodeHandler.h>
+#include <OpenSG/OSGVolumeNode.h>
 #include <OpenSG/OSGGL.h>
 #include <OpenSG/OSGHeadlessGLContext.h>
 #include <OpenSG/OSGImage.h>
@@ -22,7 +23,6 @@
 #include <cmath>
 #include <cstdio>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -34,50 +34,57 @@ namespace
 
 const Int32 Edge = 64;
 
-/// A handler with a soft ball of 64^3 voxels and the defaults a volume node
-/// gives every new handler.
-std::unique_ptr<VolumeNodeHandler> makeHandler(void)
+/// A volume node with a soft ball of 64^3 voxels; its handler, built by the
+/// node with the defaults of every new handler, is what the cases time.
+class BallVolume
 {
-    std::vector<UInt8> voxels(size_t(Edge) * Edge * Edge);
-    const Real32       c = (Edge - 1) / 2.f;
-    size_t             n = 0;
-    for(Int32 z = 0; z < Edge; ++z)
-        for(Int32 y = 0; y < Edge; ++y)
-            for(Int32 x = 0; x < Edge; ++x)
-            {
-                const Real32 r =
-                    std::sqrt((x - c) * (x - c) + (y - c) * (y - c) + (z - c) * (z - c)) / c;
-                voxels[n++] = UInt8(r < 1.f ? (1.f - r) * 255.f : 0.f);
-            }
-    ImagePtr image = Image::create();
-    beginEditCP(image);
-    image->set(Image::OSG_L_PF, Edge, Edge, Edge, 1, 1, 0.0, voxels.data(),
-               Image::OSG_UINT8_IMAGEDATA);
-    endEditCP(image);
-    TextureChunkPtr chunk = TextureChunk::create();
-    beginEditCP(chunk);
-    chunk->setImage(image);
-    endEditCP(chunk);
+  public:
+    BallVolume(void)
+    {
+        std::vector<UInt8> voxels(size_t(Edge) * Edge * Edge);
+        const Real32       c = (Edge - 1) / 2.f;
+        size_t             n = 0;
+        for(Int32 z = 0; z < Edge; ++z)
+            for(Int32 y = 0; y < Edge; ++y)
+                for(Int32 x = 0; x < Edge; ++x)
+                {
+                    const Real32 r = std::sqrt((x - c) * (x - c) + (y - c) * (y - c) +
+                                               (z - c) * (z - c)) /
+                                     c;
+                    voxels[n++] = UInt8(r < 1.f ? (1.f - r) * 255.f : 0.f);
+                }
+        ImagePtr image = Image::create();
+        beginEditCP(image);
+        image->set(Image::OSG_L_PF, Edge, Edge, Edge, 1, 1, 0.0, voxels.data(),
+                   Image::OSG_UINT8_IMAGEDATA);
+        endEditCP(image);
+        TextureChunkPtr chunk = TextureChunk::create();
+        beginEditCP(chunk);
+        chunk->setImage(image);
+        endEditCP(chunk);
 
-    QuietStdout                        quiet;
-    std::unique_ptr<VolumeNodeHandler> handler(new VolumeNodeHandler);
-    if(!handler->setVolume(chunk, false))
-        return nullptr;
-    handler->setDimensions(Vec3f(1.f, 1.f, 1.f));
-    handler->setRayGeneration(new SimpleRay);
-    handler->setTransferfunction(new SimpleTransferfunction(0));
-    handler->setNormalfunction(new OnlineCentralDiffNormal);
-    handler->setShadingfunction(new DVRShading);
-    handler->setBVGeometry(new BoundaryGeometry);
-    handler->setTraversalfunction(new SimpleTraversal);
-    return handler;
-}
+        QuietStdout quiet;
+        _node = VolumeNode::create();
+        addRefCP(_node);
+        beginEditCP(_node, VolumeNode::VoxelsFieldMask);
+        _node->setVoxels(chunk);
+        endEditCP(_node, VolumeNode::VoxelsFieldMask);
+    }
+    ~BallVolume(void) { subRefCP(_node); }
+
+    /// NULL when the node refused the voxels.
+    VolumeNodeHandler *handler(void) const { return _node->getVolume(); }
+
+  private:
+    VolumeNodePtr _node;
+};
 
 /// Times one setter: each round hands the handler a fresh strategy.
 void setterTime(benchmark::State &state, const std::function<void(VolumeNodeHandler &)> &set)
 {
-    std::unique_ptr<VolumeNodeHandler> handler = makeHandler();
-    if(handler == nullptr)
+    BallVolume         ball;
+    VolumeNodeHandler *handler = ball.handler();
+    if(handler == NULL)
     {
         state.SkipWithError("the volume could not be set");
         return;
@@ -157,9 +164,10 @@ void compileTime(benchmark::State &state, const std::function<ShadingFunctions *
         state.SkipWithError("no EGL context");
         return;
     }
-    HeadlessGLContext context;
-    std::unique_ptr<VolumeNodeHandler> handler = makeHandler();
-    if(!context.init(1, 1) || handler == nullptr)
+    HeadlessGLContext  context;
+    BallVolume         ball;
+    VolumeNodeHandler *handler = ball.handler();
+    if(!context.init(1, 1) || handler == NULL)
     {
         state.SkipWithError("no context or no volume");
         return;
