@@ -6,7 +6,7 @@ PACKAGES=(
   g++ cmake ninja-build python3 pkg-config
   libgtest-dev libbenchmark-dev
   libegl-dev libgl-dev libglu1-mesa-dev libegl-mesa0 libgl1-mesa-dri
-  libpng-dev zlib1g-dev libbz2-dev libteem-dev
+  libpng-dev zlib1g-dev libbz2-dev libteem-dev libdcmtk-dev
   libstb-dev libsquish-dev
   clang libclang-rt-14-dev
 )

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <istream>
 #include <ostream>
+#include <sys/stat.h>
 #include <unistd.h>
 
 OSG_BEGIN_NAMESPACE
@@ -44,13 +45,32 @@ std::string normalisedMime(const std::string &mimeType)
     return trimmedLower(mimeType.substr(0, mimeType.find(';')));
 }
 
-// The text after the last '.', normalised; "" when there is no '.'.
+// The text after the last '.', normalised; "" when there is no '.'. A
+// compressed file keeps the suffix before ".gz" too ("nii.gz").
 std::string normalisedSuffixOf(const std::string &fileName)
 {
     const size_t dot = fileName.rfind('.');
 
-    return dot != std::string::npos ? trimmedLower(fileName.substr(dot + 1))
-                                    : std::string();
+    if(dot == std::string::npos)
+        return std::string();
+
+    const std::string suffix = trimmedLower(fileName.substr(dot + 1));
+    const size_t      slash  = fileName.find_last_of("/\\");
+    const size_t      inner  = dot > 0 ? fileName.rfind('.', dot - 1)
+                                       : std::string::npos;
+
+    if(suffix == "gz" && inner != std::string::npos &&
+       (slash == std::string::npos || inner > slash))
+        return trimmedLower(fileName.substr(inner + 1));
+
+    return suffix;
+}
+
+bool isDirectory(const std::string &path)
+{
+    struct stat info;
+
+    return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
 bool isAbsolutePath(const std::string &path)
@@ -273,6 +293,10 @@ bool ImageFileHandler::read(ImagePtr    &image,
         return false;
     }
 
+    // A folder is a series of slices, read by the type that reads folders.
+    if(isDirectory(fullPath))
+        return readFolder(image, fileName, fullPath, mimeType);
+
     // A FIFO would block the header check, a device would never end.
     UInt64    size = 0;
     const int fd   = volumeOpenRegularFile(fullPath, size, "ImageFileHandler");
@@ -296,14 +320,57 @@ bool ImageFileHandler::read(ImagePtr    &image,
         return false;
     }
 
+    noteSource(image, fileName, fullPath);
+    return true;
+}
+
+bool ImageFileHandler::readFolder(ImagePtr          &image,
+                                  const Char8       *fileName,
+                                  const std::string &fullPath,
+                                  const Char8       *mimeType)
+{
+    ImageFileType *type = NULL;
+
+    if(mimeType != NULL && *mimeType != '\0')
+        type = getFileType(mimeType);
+
+    for(TypeMap::iterator it = _mimeTypeMap.begin();
+        type == NULL && it != _mimeTypeMap.end(); ++it)
+    {
+        if((it->second->getFlags() & ImageFileType::OSG_READS_FOLDERS) != 0)
+            type = it->second;
+    }
+
+    if(type == NULL ||
+       (type->getFlags() & ImageFileType::OSG_READS_FOLDERS) == 0)
+    {
+        SWARNING << "ImageFileHandler: " << fullPath << " is not a regular "
+                 << "file, and no image format reads folders" << std::endl;
+        return false;
+    }
+
+    if(!type->read(image, fullPath.c_str()))
+    {
+        SWARNING << "ImageFileHandler: " << fullPath << " is not a regular "
+                 << "file, and no series of slices was read from it"
+                 << std::endl;
+        return false;
+    }
+
+    noteSource(image, fileName, fullPath);
+    return true;
+}
+
+void ImageFileHandler::noteSource(ImagePtr          &image,
+                                  const Char8       *fileName,
+                                  const std::string &fullPath)
+{
     image->setAttachmentField(FileNameKey, fileName);
     image->setAttachmentField(FullFilePathKey, fullPath);
 
     beginEditCP(image, Image::NameFieldMask);
     image->setName(absolutePath(fullPath));
     endEditCP(image, Image::NameFieldMask);
-
-    return true;
 }
 
 bool ImageFileHandler::write(const ImagePtr &image,

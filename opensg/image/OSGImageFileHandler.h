@@ -38,7 +38,8 @@ class ImageFileHandler
     /// Reads into image. The type comes from mimeType, else from the suffix;
     /// the file's first bytes are checked and may choose another type. Only
     /// regular files are read (a FIFO or device is refused without
-    /// blocking). On success the image's attachment fields "fileName" and
+    /// blocking), or a folder, which the format that reads folders (DICOM
+    /// series) reads as one volume. On success the image's attachment fields "fileName" and
     /// "fullFilePath" and its name field (absolute path) are set.
     virtual bool read(ImagePtr &image, const Char8 *fileName,
                       const Char8 *mimeType = 0);
@@ -120,6 +121,15 @@ class ImageFileHandler
 
   private:
     friend class ImageFileType;
+
+    /// Reads a folder through the type that reads folders (the one of
+    /// mimeType when it does).
+    bool readFolder(ImagePtr &image, const Char8 *fileName,
+                    const std::string &fullPath, const Char8 *mimeType);
+
+    /// Sets "fileName", "fullFilePath" and the name after a read.
+    void noteSource(ImagePtr &image, const Char8 *fileName,
+                    const std::string &fullPath);
 
     typedef std::map<std::string, ImageFileType *> TypeMap;
 

@@ -29,7 +29,10 @@ class ImageFileType
         /// The format's headers may name other files to read (detached
         /// voxel data): such a type is never taken for a file whose name
         /// says another format, whatever its first bytes look like.
-        OSG_NAMES_OTHER_FILES = 4
+        OSG_NAMES_OTHER_FILES = 4,
+        /// The format reads a folder as one image (a series of slices):
+        /// ImageFileHandler::read gives it the folders it is asked to read.
+        OSG_READS_FOLDERS = 8
     };
 
     /// The 32-byte header of MTD files and of images stored in memory. The

@@ -1,15 +1,18 @@
 // makevolumes: writes the sample volumes (Shepp-Logan phantom, sphere,
-// torus, noise) as 8- and 16-bit DAT, NRRD and MetaImage files through the
-// host core's image file types. The output depends only on the arguments.
+// torus, noise) as 8- and 16-bit DAT, NRRD, MetaImage and NIfTI files
+// through the host core's image file types, and as DICOM series through
+// DCMTK. The output depends only on the arguments.
 //
 //   makevolumes [--out DIR] [--size N | --size WxHxD] [--thickness "X Y Z"]
 //               [--shapes phantom,sphere,torus,noise] [--bits 8,16]
-//               [--formats dat,nrrd,nhdr,mha,mhd] [--endian big|little]
-//               [--checksum]
+//               [--formats dat,nrrd,nhdr,mha,mhd,nii,nii.gz,dicom]
+//               [--endian big|little] [--checksum]
 //
 // Files are named <shape><size>_u<bits>.<suffix>, except .mhd and .nhdr
 // files, named <shape><size>_u<bits>_mhd.mhd and ..._nhdr.nhdr: each of
-// them writes its data beside it with the suffix .raw, as a .dat does.
+// them writes its data beside it with the suffix .raw, as a .dat does. A
+// DICOM series is the folder <shape><size>_u<bits>_dicom with one file a
+// slice (slice0000.dcm, ...).
 #include <OpenSG/OSGBaseInitFunctions.h>
 #include <OpenSG/OSGDATImageFileType.h>
 #include <OpenSG/OSGImage.h>
@@ -17,6 +20,7 @@
 #include <OpenSG/OSGMHDImageFileType.h>
 #include <OpenSG/OSGVolumeHeaders.h>
 
+#include "DicomSeriesWriter.h"
 #include "VolumeShapes.h"
 
 #include <cstdio>
@@ -60,8 +64,8 @@ void usage(void)
     std::fprintf(stderr,
         "usage: makevolumes [--out DIR] [--size N|WxHxD] [--thickness \"X Y Z\"]\n"
         "                   [--shapes phantom,sphere,torus,noise] [--bits 8,16]\n"
-        "                   [--formats dat,nrrd,nhdr,mha,mhd] [--endian big|little]\n"
-        "                   [--checksum]\n");
+        "                   [--formats dat,nrrd,nhdr,mha,mhd,nii,nii.gz,dicom]\n"
+        "                   [--endian big|little] [--checksum]\n");
 }
 
 bool parseSize(const std::string &text, unsigned size[3])
@@ -150,7 +154,8 @@ bool parseArgs(int argc, char **argv, Options &opt)
     }
     for(const std::string &f : opt.formats)
     {
-        if(f != "dat" && f != "nrrd" && f != "nhdr" && f != "mha" && f != "mhd")
+        if(f != "dat" && f != "nrrd" && f != "nhdr" && f != "mha" && f != "mhd" &&
+           f != "nii" && f != "nii.gz" && f != "dicom")
             return false;
     }
     return !opt.shapes.empty() && !opt.bits.empty() && !opt.formats.empty();
@@ -215,6 +220,21 @@ int run(const Options &opt)
 
             for(const std::string &format : opt.formats)
             {
+                if(format == "dicom")
+                {
+                    double spacing[3] = {1, 1, 1};
+                    parseSliceThickness(opt.thickness, spacing);
+                    if(!writeDicomSeries(base + "_dicom", voxels.data(),
+                                         opt.size, bits, spacing,
+                                         s + sizeName.str()))
+                    {
+                        std::fprintf(stderr, "makevolumes: could not write %s\n",
+                                     (base + "_dicom").c_str());
+                        ++failures;
+                    }
+                    continue;
+                }
+
                 std::string name = base + "." + format;
 
                 // .mhd and .nhdr write base.raw beside them, like .dat
