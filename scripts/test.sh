@@ -9,6 +9,8 @@ scripts/deps.sh
 
 scripts/build.sh build
 (cd build && ctest --output-on-failure -j "$(nproc)")
+# the installed package, used from outside the tree
+scripts/check-install.sh build
 
 if [ "${CORVANE_SKIP_SANITIZE:-0}" != "1" ]; then
   # file by file here (no unity batches), so that a source which only
