@@ -23,6 +23,9 @@
 #include <memory>
 #include <sstream>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 OSG_USING_NAMESPACE
 
 namespace corvane
@@ -57,10 +60,29 @@ class Progress
     bool _on;
 };
 
+/// The presets' folder: CORVANE_DATA_DIR from the environment; else, for an
+/// installed program, the data folder relative to the program's own
+/// (CORVANE_DATA_RELDIR, e.g. ../share/corvane); else the folder the build
+/// compiled in.
 std::string dataDir(void)
 {
     const char *dir = getenv("CORVANE_DATA_DIR");
-    return dir != NULL ? std::string(dir) : std::string(CORVANE_DATA_DIR);
+    if(dir != NULL)
+        return dir;
+#ifdef CORVANE_DATA_RELDIR
+    char          self[4096];
+    const ssize_t n = readlink("/proc/self/exe", self, sizeof(self) - 1);
+    if(n > 0)
+    {
+        self[n] = 0;
+        const std::string exe  = self;
+        const std::string near = exe.substr(0, exe.rfind('/') + 1) + CORVANE_DATA_RELDIR;
+        struct stat       info;
+        if(stat(near.c_str(), &info) == 0 && S_ISDIR(info.st_mode))
+            return near;
+    }
+#endif
+    return CORVANE_DATA_DIR;
 }
 
 /// The built-in phantom, 8 bit, edge n.
