@@ -2,6 +2,7 @@
 #include <OpenSG/OSGGL.h>
 #include <OpenSG/OSGSimpleGeometry.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <map>
@@ -203,54 +204,68 @@ void calcVertexNormals(GeometryPtr geo)
         return;
     }
 
-    std::vector<Vec3f> acc(geo->getPositions()->getSize(), Vec3f(0.f, 0.f, 0.f));
+    // the geometry's own normals are reused
+    GeoNormalsPtr norms = geo->getNormals();
+    if(norms == NullFC)
+        norms = GeoNormals3f::create();
+    const UInt32 count = geo->getPositions()->getSize();
 
-    for(TriangleIterator it = geo->beginTriangles(); !it.isAtEnd(); ++it)
+    beginEditCP(norms);
+    norms->resize(count);
+
+    // normals shared with another geometry keep the entries this one
+    // does not use
+    std::vector<bool> mine(count, norms->getParents().size() <= 1);
+    if(norms->getParents().size() > 1)
     {
-        Pnt3f p0 = it.getPosition(0);
-        Vec3f n  = (it.getPosition(1) - p0).cross(it.getPosition(2) - p0);
-        for(Int32 c = 0; c < 3; ++c)
+        for(TriangleIterator it = geo->beginTriangles(); !it.isAtEnd(); ++it)
         {
-            Int32 pi = it.getPositionIndex(c);
-            if(pi >= 0 && UInt32(pi) < acc.size())
-                acc[pi] += n;
+            for(Int32 c = 0; c < 3; ++c)
+            {
+                Int32 pi = it.getPositionIndex(c);
+                if(pi >= 0 && UInt32(pi) < count)
+                    mine[pi] = true;
+            }
         }
     }
 
-    GeoNormals3fPtr norms = GeoNormals3f::create();
-    beginEditCP(norms);
-    for(size_t i = 0; i < acc.size(); ++i)
+    std::vector<Vec3f> sum(count, Vec3f(0.f, 0.f, 0.f));
+    for(TriangleIterator it = geo->beginTriangles(); !it.isAtEnd(); ++it)
     {
-        acc[i].normalize();
-        norms->getField().push_back(acc[i]);
+        // every face counts once, whatever its area
+        Pnt3f p0 = it.getPosition(0);
+        Vec3f n  = (it.getPosition(1) - p0).cross(it.getPosition(2) - p0);
+        n.normalize();
+        for(Int32 c = 0; c < 3; ++c)
+        {
+            Int32 pi = it.getPositionIndex(c);
+            if(pi >= 0 && UInt32(pi) < count)
+                sum[pi] += n;
+        }
+    }
+    for(UInt32 i = 0; i < count; ++i)
+    {
+        if(!mine[i])
+            continue;
+        sum[i].normalize();
+        norms->setValue(sum[i], i);
     }
     endEditCP(norms);
 
-    const BitVector mask = Geometry::NormalsFieldMask | Geometry::IndexMappingFieldMask |
-                           Geometry::IndicesFieldMask;
-    beginEditCP(geo, mask);
-    geo->setNormals(norms);
-
     // the normals follow the position index
+    beginEditCP(geo);
+    geo->setNormals(norms);
     MFUInt16 &mapping = *geo->getMFIndexMapping();
-    if(mapping.size() == 1)
+    if(!mapping.empty())
     {
-        mapping[0] |= Geometry::MapNormal;
+        Int32 normalEntry = geo->calcMappingIndex(Geometry::MapNormal);
+        if(normalEntry >= 0)
+            mapping[normalEntry] &= UInt16(~Geometry::MapNormal);
+        Int32 positionEntry = geo->calcMappingIndex(Geometry::MapPosition);
+        if(positionEntry >= 0)
+            mapping[positionEntry] |= Geometry::MapNormal;
     }
-    else if(mapping.size() >= 2 && geo->getIndices() != NullFC)
-    {
-        UInt16 posEntry = UInt16(geo->calcMappingIndex(Geometry::MapPosition));
-        std::vector<UInt32> posIndex;
-        UInt32              n = mapping.size();
-        for(UInt32 t = 0; t < geo->getIndices()->getSize() / n; ++t)
-            posIndex.push_back(geo->getIndices()->getValue(t * n + posEntry));
-        // the position index column gets the normal bit: it is appended
-        // anew with both bits, its old copy dropped
-        UInt16 posBits = mapping[posEntry];
-        appendIndexColumn(geo, UInt16(posBits | Geometry::MapNormal),
-                          UInt16(posBits | Geometry::MapNormal), posIndex);
-    }
-    endEditCP(geo, mask);
+    endEditCP(geo);
 }
 
 void calcVertexNormals(GeometryPtr geo, Real32 creaseAngle)
@@ -268,7 +283,6 @@ void calcVertexNormals(GeometryPtr geo, Real32 creaseAngle)
 
     struct Tri
     {
-        Vec3f  weighted; // area-weighted normal
         Vec3f  unit;
         Int32  vertex[3];
         Int32  position[3];
@@ -280,8 +294,7 @@ void calcVertexNormals(GeometryPtr geo, Real32 creaseAngle)
     {
         Tri   t;
         Pnt3f p0   = it.getPosition(0);
-        t.weighted = (it.getPosition(1) - p0).cross(it.getPosition(2) - p0);
-        t.unit     = t.weighted;
+        t.unit     = (it.getPosition(1) - p0).cross(it.getPosition(2) - p0);
         t.unit.normalize();
         for(Int32 c = 0; c < 3; ++c)
         {
@@ -317,15 +330,17 @@ void calcVertexNormals(GeometryPtr geo, Real32 creaseAngle)
         const Vec3f              &ref = tris[firstTri[v]].unit;
         const std::vector<UInt32> &around = byPosition[vertexPos[v]];
         Vec3f                     sum(0.f, 0.f, 0.f);
-        UInt32                    last = UInt32(-1);
+        std::vector<Vec3f>        used;
         for(size_t i = 0; i < around.size(); ++i)
         {
-            // a triangle that uses the position twice counts once
-            if(around[i] == last)
+            // equal face normals (coplanar neighbours, a triangle using
+            // the position twice) count once
+            const Vec3f &n = tris[around[i]].unit;
+            if(n.dot(ref) < cosCrease - 1e-6f ||
+               std::find(used.begin(), used.end(), n) != used.end())
                 continue;
-            last = around[i];
-            if(tris[around[i]].unit.dot(ref) >= cosCrease - 1e-6f)
-                sum += tris[around[i]].weighted;
+            used.push_back(n);
+            sum += n;
         }
         sum.normalize();
         vertexNormal[v] = sum;

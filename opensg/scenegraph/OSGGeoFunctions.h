@@ -7,13 +7,16 @@
 OSG_BEGIN_NAMESPACE
 
 /// Smooth vertex normals: every position index gets the normalised sum of
-/// the (area-weighted) normals of the triangles that use it. The normals are
-/// indexed like the positions (a new GeoNormals3f replaces the old one).
+/// the unit normals of the triangles that use it, each face counted once.
+/// The geometry's normals property is reused (a GeoNormals3f is made if it
+/// has none); shared with another geometry, only the entries this one uses
+/// change. Afterwards the normals follow the position index.
 void calcVertexNormals(GeometryPtr geo);
 
 /// Vertex normals that stay smooth only across edges whose faces meet at
-/// less than creaseAngle (radians): a vertex averages the triangles around
-/// its position that lie within creaseAngle of the first triangle using it.
+/// less than creaseAngle (radians): a vertex gets the normalised sum of the
+/// distinct face normals around its position that lie within creaseAngle
+/// of the first triangle using it (creaseAngle >= Pi: calcVertexNormals(geo)).
 /// Indexed geometry gets a normal index of its own in every index tuple.
 void calcVertexNormals(GeometryPtr geo, Real32 creaseAngle);
 

@@ -111,6 +111,22 @@ struct ShapeData
         }
     }
 
+    /// Strips over a grid of (nu + 1) x (nv + 1) vertices laid out row by
+    /// row from 0: one strip per column u, running along v, so that the
+    /// front face is the side u x v points to.
+    void columnStrips(UInt32 nu, UInt32 nv)
+    {
+        for(UInt32 u = 0; u < nu; ++u)
+        {
+            for(UInt32 v = 0; v <= nv; ++v)
+            {
+                index->getField().push_back(v * (nu + 1) + u);
+                index->getField().push_back(v * (nu + 1) + u + 1);
+            }
+            primitive(GL_TRIANGLE_STRIP, 2 * (nv + 1));
+        }
+    }
+
     GeometryPtr finish(void)
     {
         endEditCP(pnts);
@@ -136,6 +152,19 @@ struct ShapeData
     }
 };
 
+/// Shapes stay below this many vertices (about 270 MB of vertex data):
+/// a bigger one is refused with a warning instead of being allocated.
+const UInt64 MaxShapeVertices = UInt64(1) << 23;
+
+bool vertexCountBounded(const char *maker, UInt64 vertices)
+{
+    if(vertices <= MaxShapeVertices)
+        return true;
+    SWARNING << maker << ": " << vertices << " vertices are too many, at most "
+             << MaxShapeVertices << std::endl;
+    return false;
+}
+
 NodePtr makeNodeFor(GeometryPtr geo)
 {
     if(geo == NullFC)
@@ -159,14 +188,16 @@ GeometryPtr makePlaneGeo(Real32 xsize, Real32 ysize, UInt16 hor, UInt16 vert)
                  << std::endl;
         return NullFC;
     }
+    if(!vertexCountBounded("makePlane", UInt64(hor + 1) * (vert + 1)))
+        return NullFC;
 
     ShapeData d;
     Real32    xstep = xsize / hor;
     Real32    ystep = ysize / vert;
 
-    for(UInt16 y = 0; y <= vert; ++y)
+    for(UInt32 y = 0; y <= vert; ++y)
     {
-        for(UInt16 x = 0; x <= hor; ++x)
+        for(UInt32 x = 0; x <= hor; ++x)
         {
             d.vertex(Pnt3f(x * xstep - xsize / 2, y * ystep - ysize / 2, 0),
                      Vec3f(0, 0, 1),
@@ -193,42 +224,44 @@ GeometryPtr makeBoxGeo(Real32 xsize, Real32 ysize, Real32 zsize,
                  << ", depth=" << depth << std::endl;
         return NullFC;
     }
+    const UInt64 vertices = 2 * (UInt64(hor + 1) * (vert + 1) + UInt64(depth + 1) * (vert + 1) +
+                                 UInt64(hor + 1) * (depth + 1));
+    if(!vertexCountBounded("makeBox", vertices))
+        return NullFC;
 
-    Real32 hx = xsize / 2, hy = ysize / 2, hz = zsize / 2;
+    const Real32 size[3] = {xsize, ysize, zsize};
+    const Real32 res[3]  = {Real32(hor), Real32(vert), Real32(depth)};
+    const Real32 step[3] = {xsize / hor, ysize / vert, zsize / depth};
 
-    // per face: corner, u edge, v edge (u x v points out), resolution
-    struct Face
+    // per face: the two parameter axes, the normal axis and their signs
+    static const struct
     {
-        Pnt3f  origin;
-        Vec3f  u;
-        Vec3f  v;
-        UInt16 nu;
-        UInt16 nv;
-    } faces[6] = {
-        {Pnt3f(-hx, -hy, hz), Vec3f(xsize, 0, 0), Vec3f(0, ysize, 0), hor, vert},    // +z
-        {Pnt3f(hx, -hy, -hz), Vec3f(-xsize, 0, 0), Vec3f(0, ysize, 0), hor, vert},   // -z
-        {Pnt3f(hx, -hy, hz), Vec3f(0, 0, -zsize), Vec3f(0, ysize, 0), depth, vert},  // +x
-        {Pnt3f(-hx, -hy, -hz), Vec3f(0, 0, zsize), Vec3f(0, ysize, 0), depth, vert}, // -x
-        {Pnt3f(-hx, hy, hz), Vec3f(xsize, 0, 0), Vec3f(0, 0, -zsize), hor, depth},   // +y
-        {Pnt3f(-hx, -hy, -hz), Vec3f(xsize, 0, 0), Vec3f(0, 0, zsize), hor, depth},  // -y
-    };
+        Int32  a, b, n;
+        Real32 sa, sb, sn;
+    } faces[6] = {{0, 1, 2, 1, 1, 1},  {0, 1, 2, -1, 1, -1}, {2, 1, 0, -1, 1, 1},
+                  {2, 1, 0, 1, 1, -1}, {0, 2, 1, 1, -1, 1},  {0, 2, 1, 1, 1, -1}};
 
     ShapeData d;
     for(UInt32 f = 0; f < 6; ++f)
     {
-        const Face &face = faces[f];
-        Vec3f       n    = face.u.cross(face.v);
-        n.normalize();
+        const Int32 a = faces[f].a, b = faces[f].b, n = faces[f].n;
+        const UInt32 na = UInt32(res[a]), nb = UInt32(res[b]);
+        Vec3f normal(0, 0, 0);
+        normal[n] = faces[f].sn;
+
         UInt32 base = d.pnts->getField().size();
-        for(UInt16 y = 0; y <= face.nv; ++y)
+        for(UInt32 j = 0; j <= nb; ++j)
         {
-            for(UInt16 x = 0; x <= face.nu; ++x)
+            for(UInt32 i = 0; i <= na; ++i)
             {
-                Real32 s = x / Real32(face.nu), t = y / Real32(face.nv);
-                d.vertex(face.origin + face.u * s + face.v * t, n, Vec2f(s, t));
+                Pnt3f p;
+                p[a] = (i * step[a] - size[a] / 2) * faces[f].sa;
+                p[b] = (j * step[b] - size[b] / 2) * faces[f].sb;
+                p[n] = (size[n] * faces[f].sn) / 2;
+                d.vertex(p, normal, Vec2f(i / res[a], j / res[b]));
             }
         }
-        d.gridStrips(base, face.nu, face.nv);
+        d.gridStrips(base, na, nb);
     }
     return d.finish();
 }
@@ -243,69 +276,152 @@ NodePtr makeBox(Real32 xsize, Real32 ysize, Real32 zsize, UInt16 hor, UInt16 ver
 namespace
 {
 
+const Real32 SphereHalfPi = Real32(1.570796326794897);
+const Real32 SphereTwoPi  = Real32(6.283185307179586);
+
+/// Longitude/latitude texture coordinate of a unit normal: s = 0 at -z,
+/// growing towards -x, +z, +x; t = 0 at the south pole.
 Vec2f sphereTexCoord(const Vec3f &n)
 {
-    Real32 u = std::atan2(n[0], n[2]) / (2 * Pi) + 0.5f;
-    Real32 v = std::asin(osgClamp(-1.f, n[1], 1.f)) / Pi + 0.5f;
-    return Vec2f(u, v);
+    Real32 t   = (Pi - osgacos(osgClamp(-1.f, n[1], 1.f))) / Pi;
+    Real32 phi = osgatan2(-n[2], n[0]) - SphereHalfPi;
+    if(phi <= -Eps)
+        phi += SphereTwoPi;
+    return Vec2f(phi / SphereTwoPi, t);
+}
+
+/// The icosahedron's subdivision: every split appends its own three edge
+/// midpoints (they are not shared with the neighbours) and writes index
+/// pairs (position/normal, texture coordinate).
+struct IcoBuilder
+{
+    ShapeData &d;
+    Real32     radius;
+
+    UInt32 midpoint(UInt32 i, UInt32 j)
+    {
+        const Pnt3f &p = d.pnts->getField()[i];
+        const Pnt3f &q = d.pnts->getField()[j];
+        Vec3f        n;
+        for(UInt32 c = 0; c < 3; ++c)
+            n[c] = (p[c] + (q[c] - p[c]) * 0.5f) / 2;
+        n.normalize();
+        return d.vertex(Pnt3f(n * radius), n, sphereTexCoord(n));
+    }
+
+    void subdivide(UInt32 i1, UInt32 i2, UInt32 i3, UInt32 depth)
+    {
+        if(depth == 0)
+        {
+            const UInt32 tri[3] = {i1, i2, i3};
+            for(UInt32 c = 0; c < 3; ++c)
+            {
+                d.index->getField().push_back(tri[c]);
+                d.index->getField().push_back(tri[c]);
+            }
+            return;
+        }
+        UInt32 i12 = midpoint(i1, i2);
+        UInt32 i23 = midpoint(i2, i3);
+        UInt32 i31 = midpoint(i3, i1);
+        subdivide(i1, i12, i31, depth - 1);
+        subdivide(i2, i23, i12, depth - 1);
+        subdivide(i3, i31, i23, depth - 1);
+        subdivide(i12, i23, i31, depth - 1);
+    }
+};
+
+/// Gives the vertices on the texture seam (x = 0, z <= 0) of the
+/// triangles that cross it their own texture coordinate: s = 1 for a
+/// triangle on the +x side, 0 on the -x side, 0.5 at the poles.
+void fixSphereSeam(GeometryPtr geo)
+{
+    GeoTexCoords2fPtr tex   = GeoTexCoords2fPtr::dcast(geo->getTexCoords());
+    GeoIndicesUI32Ptr index = GeoIndicesUI32Ptr::dcast(geo->getIndices());
+
+    beginEditCP(geo);
+    beginEditCP(tex);
+    beginEditCP(index);
+    for(TriangleIterator it = geo->beginTriangles(); !it.isAtEnd(); ++it)
+    {
+        Vec3f q[3] = {it.getNormal(0), it.getNormal(1), it.getNormal(2)};
+        bool  nearSeam = false, westward = false;
+        for(UInt32 c = 0; c < 3; ++c)
+        {
+            if(osgabs(q[c][0]) <= 0.01f && q[c][2] <= Eps)
+                nearSeam = true;
+            if(q[c][0] <= -Eps)
+                westward = true;
+        }
+        if(!nearSeam)
+            continue;
+        for(Int32 c = 0; c < 3; ++c)
+        {
+            const Vec3f &n = q[c];
+            if(osgabs(n[0]) > Eps || n[2] > Eps)
+                continue;
+            Real32 s = westward ? 0.f : 1.f;
+            if(osgabs(osgabs(n[1]) - 1) <= Eps)
+                s = 0.5f;
+            Vec2f t = it.getTexCoords(c);
+            tex->getField().push_back(Vec2f(s, t[1]));
+            index->getField()[it.getIndexIndex(c) + 1] = tex->getField().size() - 1;
+        }
+    }
+    endEditCP(index);
+    endEditCP(tex);
+    endEditCP(geo);
 }
 
 } // namespace
 
 GeometryPtr makeSphereGeo(UInt16 depth, Real32 radius)
 {
-    // the icosahedron: 12 vertices on three golden rectangles
-    const Real32 a = 0.525731112119133606f, b = 0.850650808352039932f;
-    const Vec3f  ico[12] = {Vec3f(-a, 0, b), Vec3f(a, 0, b),   Vec3f(-a, 0, -b),
-                            Vec3f(a, 0, -b), Vec3f(0, b, a),   Vec3f(0, b, -a),
-                            Vec3f(0, -b, a), Vec3f(0, -b, -a), Vec3f(b, a, 0),
-                            Vec3f(-b, a, 0), Vec3f(b, -a, 0),  Vec3f(-b, -a, 0)};
+    // 12 + 20 * (4^depth - 1) vertices
+    const UInt64 vertices = 12 + 20 * ((UInt64(1) << (2 * std::min<UInt32>(depth, 16))) - 1);
+    if(!vertexCountBounded("makeSphere", vertices))
+        return NullFC;
+
+    const Real32 X = Real32(0.525731112119133606), Z = Real32(0.850650808352039932);
+    Vec3f        v[12] = {Vec3f(-X, 0, Z), Vec3f(X, 0, Z),   Vec3f(-X, 0, -Z),
+                          Vec3f(X, 0, -Z), Vec3f(0, Z, X),   Vec3f(0, Z, -X),
+                          Vec3f(0, -Z, X), Vec3f(0, -Z, -X), Vec3f(Z, X, 0),
+                          Vec3f(-Z, X, 0), Vec3f(Z, -X, 0),  Vec3f(-Z, -X, 0)};
     const UInt32 faces[20][3] = {{1, 4, 0},  {4, 9, 0},  {4, 5, 9},  {8, 5, 4},  {1, 8, 4},
                                  {1, 10, 8}, {10, 3, 8}, {8, 3, 5},  {3, 2, 5},  {3, 7, 2},
                                  {3, 10, 7}, {10, 6, 7}, {6, 11, 7}, {6, 0, 11}, {6, 1, 0},
                                  {10, 1, 6}, {11, 0, 9}, {2, 11, 9}, {5, 2, 9},  {11, 2, 7}};
 
-    std::vector<Vec3f>  dirs(ico, ico + 12);
-    std::vector<UInt32> tris;
-    for(UInt32 f = 0; f < 20; ++f)
-        tris.insert(tris.end(), faces[f], faces[f] + 3);
-
-    // each step splits every triangle in four; edge midpoints are shared
-    for(UInt16 level = 0; level < depth; ++level)
-    {
-        std::map<std::pair<UInt32, UInt32>, UInt32> mid;
-        std::vector<UInt32>                         next;
-        next.reserve(tris.size() * 4);
-
-        auto midpoint = [&](UInt32 i, UInt32 j) -> UInt32 {
-            std::pair<UInt32, UInt32> key(std::min(i, j), std::max(i, j));
-            std::map<std::pair<UInt32, UInt32>, UInt32>::iterator it = mid.find(key);
-            if(it != mid.end())
-                return it->second;
-            Vec3f m = dirs[i] + dirs[j];
-            m.normalize();
-            dirs.push_back(m);
-            mid[key] = UInt32(dirs.size() - 1);
-            return UInt32(dirs.size() - 1);
-        };
-
-        for(size_t t = 0; t < tris.size(); t += 3)
-        {
-            UInt32 v0 = tris[t], v1 = tris[t + 1], v2 = tris[t + 2];
-            UInt32 m01 = midpoint(v0, v1), m12 = midpoint(v1, v2), m20 = midpoint(v2, v0);
-            UInt32 sub[12] = {v0, m01, m20, m01, v1, m12, m20, m12, v2, m01, m12, m20};
-            next.insert(next.end(), sub, sub + 12);
-        }
-        tris.swap(next);
-    }
+    // turn v0 onto +x
+    Quaternion q(Vec3f(0, 1, 0), osgacos(Z) + SphereHalfPi);
+    Matrix     m;
+    m.setTransform(q);
 
     ShapeData d;
-    for(size_t i = 0; i < dirs.size(); ++i)
-        d.vertex(Pnt3f(dirs[i] * radius), dirs[i], sphereTexCoord(dirs[i]));
-    for(size_t t = 0; t < tris.size(); ++t)
-        d.index->getField().push_back(tris[t]);
-    d.primitive(GL_TRIANGLES, UInt32(tris.size()));
-    return d.finish();
+    for(UInt32 j = 0; j < 12; ++j)
+    {
+        m.mult3x3(Vec3f(v[j]), v[j]);
+        Real32 len    = v[j].length();
+        Real32 factor = len != 0 ? radius / len : 1.f;
+        Vec3f  n      = v[j];
+        n.normalize();
+        d.vertex(Pnt3f(v[j] * factor), n, sphereTexCoord(n));
+    }
+
+    IcoBuilder build = {d, radius};
+    for(UInt32 f = 0; f < 20; ++f)
+        build.subdivide(faces[f][0], faces[f][1], faces[f][2], depth);
+    d.primitive(GL_TRIANGLES, d.index->getField().size() / 2);
+
+    GeometryPtr geo = d.finish();
+    beginEditCP(geo, Geometry::IndexMappingFieldMask);
+    geo->getMFIndexMapping()->clear();
+    geo->getMFIndexMapping()->push_back(Geometry::MapPosition | Geometry::MapNormal);
+    geo->getMFIndexMapping()->push_back(Geometry::MapTexCoords);
+    endEditCP(geo, Geometry::IndexMappingFieldMask);
+
+    fixSphereSeam(geo);
+    return geo;
 }
 
 NodePtr makeSphere(UInt16 depth, Real32 radius)
@@ -315,26 +431,34 @@ NodePtr makeSphere(UInt16 depth, Real32 radius)
 
 GeometryPtr makeLatLongSphereGeo(UInt16 latres, UInt16 longres, Real32 radius)
 {
-    if(latres < 2 || longres < 3)
+    if(radius <= 0 || latres < 4 || longres < 4)
     {
         SWARNING << "makeLatLongSphere: illegal parameters latres=" << latres
-                 << ", longres=" << longres << std::endl;
+                 << ", longres=" << longres << ", radius=" << radius << std::endl;
         return NullFC;
     }
+    if(!vertexCountBounded("makeLatLongSphere", UInt64(latres + 1) * (longres + 1)))
+        return NullFC;
+
+    const Real32 latDelta  = Pi / latres;
+    const Real32 longDelta = (2 * Pi) / longres;
 
     ShapeData d;
-    for(UInt16 i = 0; i <= latres; ++i)
+    Real32    theta = -Pi / 2;
+    for(UInt32 a = 0; a <= latres; ++a, theta += latDelta)
     {
-        Real32 theta = Pi * i / latres - Pi / 2;
-        for(UInt16 j = 0; j <= longres; ++j)
+        const Real32 cosTheta = osgcos(theta), sinTheta = osgsin(theta);
+        Real32       phi      = -Pi;
+        for(UInt32 b = 0; b <= longres; ++b, phi += longDelta)
         {
-            Real32 phi = 2 * Pi * j / longres;
-            Vec3f  n(std::cos(theta) * std::sin(phi), std::sin(theta),
-                     std::cos(theta) * std::cos(phi));
-            d.vertex(Pnt3f(n * radius), n, Vec2f(j / Real32(longres), i / Real32(latres)));
+            const Real32 cosPhi = osgcos(phi), sinPhi = osgsin(phi);
+            d.vertex(Pnt3f(cosTheta * sinPhi * radius, sinTheta * radius,
+                           cosTheta * cosPhi * radius),
+                     Vec3f(cosTheta * sinPhi, sinTheta, cosTheta * cosPhi),
+                     Vec2f(b / Real32(longres), a / Real32(latres)));
         }
     }
-    d.gridStrips(0, longres, latres);
+    d.columnStrips(longres, latres);
     return d.finish();
 }
 
@@ -347,29 +471,35 @@ NodePtr makeLatLongSphere(UInt16 latres, UInt16 longres, Real32 radius)
 
 GeometryPtr makeTorusGeo(Real32 innerRadius, Real32 outerRadius, UInt16 sides, UInt16 rings)
 {
-    if(sides < 3 || rings < 3)
+    if(innerRadius <= 0 || outerRadius <= 0 || sides < 3 || rings < 3)
     {
-        SWARNING << "makeTorus: illegal parameters sides=" << sides << ", rings=" << rings
-                 << std::endl;
+        SWARNING << "makeTorus: illegal parameters innerRadius=" << innerRadius
+                 << ", outerRadius=" << outerRadius << ", sides=" << sides
+                 << ", rings=" << rings << std::endl;
         return NullFC;
     }
+    if(!vertexCountBounded("makeTorus", UInt64(sides + 1) * (rings + 1)))
+        return NullFC;
+
+    const Real32 ringDelta = (2 * Pi) / rings;
+    const Real32 sideDelta = (2 * Pi) / sides;
 
     ShapeData d;
-    // rows run around the tube, columns around the ring: ring direction x
-    // tube direction points out of the surface
-    for(UInt16 b = 0; b <= sides; ++b)
+    Real32    theta = 0;
+    for(UInt32 a = 0; a <= rings; ++a, theta += ringDelta)
     {
-        Real32 phi = 2 * Pi * b / sides;
-        for(UInt16 a = 0; a <= rings; ++a)
+        const Real32 cosTheta = osgcos(theta), sinTheta = osgsin(theta);
+        Real32       phi      = 0;
+        for(UInt32 b = 0; b <= sides; ++b, phi += sideDelta)
         {
-            Real32 theta = 2 * Pi * a / rings;
-            Vec3f  n(std::cos(phi) * std::cos(theta), std::cos(phi) * std::sin(theta),
-                     std::sin(phi));
-            Pnt3f  c(outerRadius * std::cos(theta), outerRadius * std::sin(theta), 0);
-            d.vertex(c + n * innerRadius, n, Vec2f(a / Real32(rings), b / Real32(sides)));
+            const Real32 cosPhi = osgcos(phi), sinPhi = osgsin(phi);
+            const Real32 r      = outerRadius + innerRadius * cosPhi;
+            d.vertex(Pnt3f(cosTheta * r, -sinTheta * r, innerRadius * sinPhi),
+                     Vec3f(cosTheta * cosPhi, -sinTheta * cosPhi, sinPhi),
+                     Vec2f(-Real32(a) / rings, b / Real32(sides)));
         }
     }
-    d.gridStrips(0, rings, sides);
+    d.columnStrips(sides, rings);
     return d.finish();
 }
 
@@ -383,7 +513,7 @@ NodePtr makeTorus(Real32 innerRadius, Real32 outerRadius, UInt16 sides, UInt16 r
 GeometryPtr makeConicalFrustumGeo(Real32 height, Real32 topradius, Real32 botradius,
                                   UInt16 sides, bool doSide, bool doTop, bool doBottom)
 {
-    if(sides < 3 || height <= 0 || topradius < 0 || botradius < 0)
+    if(height <= 0 || topradius < 0 || botradius < 0 || sides < 3)
     {
         SWARNING << "makeConicalFrustum: illegal parameters height=" << height
                  << ", topradius=" << topradius << ", botradius=" << botradius
@@ -391,45 +521,56 @@ GeometryPtr makeConicalFrustumGeo(Real32 height, Real32 topradius, Real32 botrad
         return NullFC;
     }
 
-    ShapeData d;
-    Real32    hh = height / 2;
+    ShapeData    d;
+    const Real32 delta = (2 * Pi) / sides;
+    const Real32 incl  = (botradius - topradius) / height;
+    const Real32 k     = 1 / osgsqrt(1 + incl * incl);
 
     if(doSide)
     {
-        UInt32 first = d.pnts->getField().size();
-        for(UInt16 j = 0; j <= sides; ++j)
+        UInt32 base = d.pnts->getField().size();
+        // the top ring, then the bottom ring; the seam vertex repeats
+        for(UInt32 ring = 0; ring < 2; ++ring)
         {
-            Real32 phi = 2 * Pi * j / sides;
-            Real32 s = std::sin(phi), c = std::cos(phi);
-            Vec3f  n(height * s, botradius - topradius, height * c);
-            n.normalize();
-            d.vertex(Pnt3f(topradius * s, hh, topradius * c), n, Vec2f(j / Real32(sides), 1));
-            d.vertex(Pnt3f(botradius * s, -hh, botradius * c), n, Vec2f(j / Real32(sides), 0));
+            const Real32 r = ring == 0 ? topradius : botradius;
+            const Real32 y = ring == 0 ? height / 2 : -height / 2;
+            for(UInt32 j = 0; j <= sides; ++j)
+            {
+                const Real32 beta = Real32(j) * delta;
+                const Real32 s = osgsin(beta), c = -osgcos(beta);
+                d.vertex(Pnt3f(s * r, y, c * r), Vec3f(s / k, incl / k, c / k),
+                         Vec2f(1 - j / Real32(sides), ring == 0 ? 1.f : 0.f));
+            }
         }
-        for(UInt32 i = 0; i < 2 * (sides + 1u); ++i)
-            d.index->getField().push_back(first + i);
+        for(UInt32 j = 0; j <= sides; ++j)
+        {
+            d.index->getField().push_back(base + sides + 1 + j);
+            d.index->getField().push_back(base + j);
+        }
         d.primitive(GL_TRIANGLE_STRIP, 2 * (sides + 1));
     }
 
-    // caps: fans seen counter-clockwise from outside
+    // the caps are polygons without a centre vertex, counter-clockwise
+    // seen from outside
     for(UInt32 cap = 0; cap < 2; ++cap)
     {
-        bool   top = cap == 0;
-        Real32 r   = top ? topradius : botradius;
-        if((top && !doTop) || (!top && !doBottom) || r <= 0)
+        const bool   top = cap == 0;
+        const Real32 r   = top ? topradius : botradius;
+        if(!(top ? doTop : doBottom) || r <= 0)
             continue;
-        Real32 y     = top ? hh : -hh;
-        Vec3f  n(0, top ? 1.f : -1.f, 0);
-        UInt32 first = d.vertex(Pnt3f(0, y, 0), n, Vec2f(.5f, .5f));
-        for(UInt16 j = 0; j <= sides; ++j)
+        const Real32 y    = top ? height / 2 : -height / 2;
+        UInt32       base = d.pnts->getField().size();
+        for(Int32 j = Int32(sides) - 1; j >= 0; --j)
         {
-            Real32 phi = 2 * Pi * (top ? j : sides - j) / sides;
-            Real32 s = std::sin(phi), c = std::cos(phi);
-            d.vertex(Pnt3f(r * s, y, r * c), n, Vec2f(.5f + .5f * s, .5f + .5f * c));
+            const Real32 beta = Real32(j) * delta;
+            const Real32 x = r * osgsin(beta), z = -r * osgcos(beta);
+            d.vertex(Pnt3f(x, y, z), Vec3f(0, top ? 1.f : -1.f, 0),
+                     top ? Vec2f(x / r / 2 + 0.5f, -z / r / 2 + 0.5f)
+                         : Vec2f(x / r / 2 + 0.5f, z / r / 2 + 0.5f));
         }
-        for(UInt32 i = 0; i < sides + 2u; ++i)
-            d.index->getField().push_back(first + i);
-        d.primitive(GL_TRIANGLE_FAN, sides + 2);
+        for(UInt32 i = 0; i < sides; ++i)
+            d.index->getField().push_back(top ? base + i : base + sides - 1 - i);
+        d.primitive(GL_POLYGON, sides);
     }
 
     return d.finish();

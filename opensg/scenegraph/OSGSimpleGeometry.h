@@ -1,8 +1,10 @@
 /// Ready-made shapes and the default materials.
 ///
 /// Every maker returns a new, unreferenced geometry (or a node holding one)
-/// with positions, normals, 2D texture coordinates and single indices, and
-/// the default material; NullFC and a warning for illegal parameters.
+/// with positions, normals, 2D texture coordinates and single indices (the
+/// icosahedral sphere: a position/normal and a texture index per vertex),
+/// and the default material; NullFC and a warning for illegal parameters or
+/// for more than 2^23 vertices. Triangles face outwards (counter-clockwise).
 #ifndef _OSGSIMPLEGEOMETRY_H_
 #define _OSGSIMPLEGEOMETRY_H_
 
@@ -31,21 +33,28 @@ NodePtr     makeBox(Real32 xsize, Real32 ysize, Real32 zsize,
                     UInt16 hor, UInt16 vert, UInt16 depth);
 
 /// A sphere made by subdividing an icosahedron depth times (depth 0: 20
-/// triangles); texture coordinates are longitude/latitude.
+/// triangles, each split makes its own edge midpoints); texture coordinates
+/// are longitude/latitude with s = 0 at -z, and the triangles along that
+/// seam get texture coordinates of their own.
 GeometryPtr makeSphereGeo(UInt16 depth, Real32 radius);
 NodePtr     makeSphere(UInt16 depth, Real32 radius);
 
-/// A sphere of latres latitude rows and longres longitude columns.
+/// A sphere of latres latitude rows (south pole first) and longres
+/// longitude columns starting at -z (both at least 4); one triangle strip
+/// per column.
 GeometryPtr makeLatLongSphereGeo(UInt16 latres, UInt16 longres, Real32 radius);
 NodePtr     makeLatLongSphere(UInt16 latres, UInt16 longres, Real32 radius);
 
 /// A torus around the z axis: the tube (radius innerRadius, sides
-/// segments) runs around a circle of radius outerRadius (rings segments).
+/// segments) runs clockwise around a circle of radius outerRadius (rings
+/// segments); one triangle strip per tube segment, texture s from 0 to -1.
 GeometryPtr makeTorusGeo(Real32 innerRadius, Real32 outerRadius, UInt16 sides, UInt16 rings);
 NodePtr     makeTorus(Real32 innerRadius, Real32 outerRadius, UInt16 sides, UInt16 rings);
 
 /// A cone frustum around the y axis, centred on the origin (from -height/2
-/// to +height/2), with optional side, top and bottom caps.
+/// to +height/2), with an optional side (one strip, starting at -z; its
+/// normals have length 1 + incl^2 for the slope incl) and optional top and
+/// bottom caps (polygons).
 GeometryPtr makeConicalFrustumGeo(Real32 height, Real32 topradius, Real32 botradius,
                                   UInt16 sides, bool doSide, bool doTop, bool doBottom);
 NodePtr     makeConicalFrustum(Real32 height, Real32 topradius, Real32 botradius,
