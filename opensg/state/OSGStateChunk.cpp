@@ -1,17 +1,69 @@
 #include <OpenSG/OSGStateChunk.h>
 #include <OpenSG/OSGBaseFunctions.h>
+#include <OpenSG/OSGTextureChunk.h>
 
 #include <algorithm>
+#include <iterator>
 
 OSG_BEGIN_NAMESPACE
 
 // --- StateChunkClass ---------------------------------------------------------
 
-// Made on first use: the chunk classes register during static
-// initialisation, in whatever order their objects were linked.
+namespace
+{
+
+struct StandardClass
+{
+    const Char8 *name;
+    UInt32       slots;
+};
+
+// The host core's chunk classes hold these places whatever the order in
+// which their static objects are constructed (a link order, which moves
+// whenever the libraries gain a source). A state activates its chunks in
+// class order, so this order is also what a chunk sees of the others at
+// its activation: textures come before anything that transforms them, and
+// fog, lights and material are set before a shader chunk that reads them.
+const StandardClass StandardClasses[] = {
+    {"Texture", osgMaxTexImages}, {"TwoSidedLighting", 1}, {"Fog", 1},   {"Light", 8},
+    {"Material", 1},              {"Polygon", 1},          {"Depth", 1}, {"Color", 1},
+    {"Blend", 1},                 {"SHL", 1}};
+
+// whether the standard class that starts at an entry has been constructed
+std::vector<bool> &claimed(void)
+{
+    static std::vector<bool> *entries = new std::vector<bool>;
+    return *entries;
+}
+
+void appendClass(std::vector<std::string> &names, std::vector<UInt32> &slots,
+                 const Char8 *name, UInt32 numslots)
+{
+    for(UInt32 i = 0; i < numslots; ++i)
+    {
+        names.push_back(name != NULL ? name : "");
+        slots.push_back(numslots);
+        claimed().push_back(false);
+    }
+}
+
+// made on first use, with the standard classes in their places
+void reserveStandardClasses(std::vector<std::string> &names, std::vector<UInt32> &slots)
+{
+    for(const StandardClass &c : StandardClasses)
+        appendClass(names, slots, c.name, c.slots);
+}
+
+} // namespace
+
 std::vector<std::string> &StateChunkClass::classNames(void)
 {
-    static std::vector<std::string> *names = new std::vector<std::string>;
+    static std::vector<std::string> *names = NULL;
+    if(names == NULL)
+    {
+        names = new std::vector<std::string>;
+        reserveStandardClasses(*names, numSlots());
+    }
     return *names;
 }
 
@@ -24,11 +76,22 @@ std::vector<UInt32> &StateChunkClass::numSlots(void)
 StateChunkClass::StateChunkClass(const Char8 *name, UInt32 numslots)
     : _classId(static_cast<UInt32>(classNames().size()))
 {
-    for(UInt32 i = 0; i < numslots; ++i)
+    // a standard class takes its reserved place once; any other class,
+    // and a second class of a standard name, comes after all of them
+    const std::string wanted = name != NULL ? name : "";
+    for(UInt32 i = 0; i < classNames().size(); i += std::max<UInt32>(numSlots()[i], 1))
     {
-        classNames().push_back(name != NULL ? name : "");
-        numSlots().push_back(numslots);
+        if(!claimed()[i] && classNames()[i] == wanted && numSlots()[i] == numslots &&
+           std::any_of(std::begin(StandardClasses), std::end(StandardClasses),
+                       [&](const StandardClass &c) { return wanted == c.name; }))
+        {
+            claimed()[i] = true;
+            _classId     = i;
+            return;
+        }
     }
+    appendClass(classNames(), numSlots(), name, numslots);
+    claimed()[_classId] = true;
 }
 
 UInt32 StateChunkClass::getId(void) const
@@ -103,6 +166,7 @@ void StateChunkClass::swap(StateChunkClass &other)
         // neighbours: the higher class moves in front of the lower one
         std::rotate(names.begin() + lo, names.begin() + hi, names.begin() + hi + nhi);
         std::rotate(slots.begin() + lo, slots.begin() + hi, slots.begin() + hi + nhi);
+        std::rotate(claimed().begin() + lo, claimed().begin() + hi, claimed().begin() + hi + nhi);
         idHi = lo;
         idLo = lo + nhi;
     }
@@ -111,6 +175,12 @@ void StateChunkClass::swap(StateChunkClass &other)
         // equal sizes: the two runs trade places, the classes between stay
         std::swap_ranges(names.begin() + lo, names.begin() + lo + nlo, names.begin() + hi);
         std::swap_ranges(slots.begin() + lo, slots.begin() + lo + nlo, slots.begin() + hi);
+        for(UInt32 i = 0; i < nlo; ++i)
+        {
+            const bool a = claimed()[lo + i];
+            claimed()[lo + i] = claimed()[hi + i];
+            claimed()[hi + i] = a;
+        }
         idHi = lo;
         idLo = hi;
     }

@@ -3,13 +3,18 @@
 #include "OSGRecordingTestChunk.h"
 #include "OSGSingleRecordingTestChunk.h"
 
+#include <OpenSG/OSGFogChunk.h>
+#include <OpenSG/OSGLightChunk.h>
+#include <OpenSG/OSGMaterialChunk.h>
+#include <OpenSG/OSGSHLChunk.h>
 #include <OpenSG/OSGState.h>
+#include <OpenSG/OSGTextureChunk.h>
 #include <OpenSG/OSGLog.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -85,6 +90,24 @@ TEST(StateChunkClassTest, ClassesReserveConsecutiveSlotsNamedAfterTheClass)
     const UInt32 beyond = StateChunkClass::getUsedSlots();
     EXPECT_STREQ(StateChunkClass::getName(beyond), "<Unknown StatChunkClass!>");
     EXPECT_EQ(StateChunkClass::getNumSlots(beyond), -1);
+}
+
+TEST(StateChunkClassTest, StandardClassesKeepTheirOrderAndOthersComeAfter)
+{
+    // a state activates in class order: textures before what transforms
+    // them, fog, lights and material before a shader chunk reading them,
+    // whatever order the classes were linked in
+    const UInt32 order[] = {TextureChunk::getStaticClassId(), FogChunk::getStaticClassId(),
+                            LightChunk::getStaticClassId(), MaterialChunk::getStaticClassId(),
+                            SHLChunk::getStaticClassId()};
+    EXPECT_TRUE(std::is_sorted(std::begin(order), std::end(order)));
+
+    // a class of the application's, even one named like a standard class,
+    // takes new entries behind all of them
+    StateChunkClass late("Fog", 1);
+    EXPECT_GT(late.getId(), SHLChunk::getStaticClassId());
+    EXPECT_NE(late.getId(), FogChunk::getStaticClassId());
+    EXPECT_GT(RecordingTestChunk::getStaticClassId(), SHLChunk::getStaticClassId());
 }
 
 TEST(StateChunkClassTest, AbstractChunkTypesHaveNoClassAndStatesRefuseThem)
