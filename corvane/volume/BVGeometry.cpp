@@ -33,16 +33,6 @@ GeometryPtr geometryOf(const NodePtr &node)
     return GeometryPtr::dcast(node->getCore());
 }
 
-/// A new node with core as its core.
-NodePtr nodeWith(const GeometryPtr &core)
-{
-    NodePtr node = Node::create();
-    beginEditCP(node, Node::CoreFieldMask);
-    node->setCore(core);
-    endEditCP(node, Node::CoreFieldMask);
-    return node;
-}
-
 GeoPLengthsUI32Ptr lengthsOf(UInt32 count)
 {
     GeoPLengthsUI32Ptr lengths = GeoPLengthsUI32::create();
@@ -285,7 +275,7 @@ void BoxGeometry::createBox(void)
     geometry->setLengths(lengthsOf(24));
     endEditCP(geometry);
 
-    setBoundingGeometry(nodeWith(geometry));
+    setBoundingGeometry(makeNodeFor(geometry));
 }
 
 // --- BoundaryGeometry ------------------------------------------------------------------
@@ -344,7 +334,7 @@ void BoundaryGeometry::createGeometry(void)
     geometry->setTypes(quadType());
     endEditCP(geometry);
 
-    setBoundingGeometry(nodeWith(geometry));
+    setBoundingGeometry(makeNodeFor(geometry));
 }
 
 bool BoundaryGeometry::createVertices(int w, int h, int d)

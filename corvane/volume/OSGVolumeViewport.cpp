@@ -26,6 +26,17 @@ bool firstViewportTiles = true;
 const BitVector AllPixelFields = Viewport::LeftFieldMask | Viewport::RightFieldMask |
                                  Viewport::BottomFieldMask | Viewport::TopFieldMask;
 
+/// Places a viewport's pixel rectangle at the origin, width x height.
+void placePixels(const ViewportPtr &port, Int32 width, Int32 height)
+{
+    beginEditCP(port, AllPixelFields);
+    port->setLeft(0.f);
+    port->setBottom(0.f);
+    port->setRight(Real32(width - 1));
+    port->setTop(Real32(height - 1));
+    endEditCP(port, AllPixelFields);
+}
+
 /// Gives a texture an empty image of width x height in the given format.
 void setTargetImage(const TextureChunkPtr &texture, UInt32 imageFormat, Int32 width, Int32 height)
 {
@@ -190,13 +201,7 @@ bool VolumeViewport::initialize(void)
     WindowPtr window = getParent();
     const Int32 width  = window != NullFC ? window->getWidth() : 1;
     const Int32 height = window != NullFC ? window->getHeight() : 1;
-    VolumeViewportPtr self(this);
-    beginEditCP(self, AllPixelFields);
-    setLeft(0.f);
-    setBottom(0.f);
-    setRight(Real32(width - 1));
-    setTop(Real32(height - 1));
-    endEditCP(self, AllPixelFields);
+    placePixels(VolumeViewportPtr(this), width, height);
     activateSize();
 
     delete _frontAction;
@@ -323,13 +328,7 @@ void VolumeViewport::resize(int width, int height)
         return;
     SNOTICE << "VolumeViewport::resize(" << width << ", " << height << ")" << std::endl;
 
-    VolumeViewportPtr self(this);
-    beginEditCP(self, AllPixelFields);
-    setLeft(0.f);
-    setBottom(0.f);
-    setRight(Real32(width - 1));
-    setTop(Real32(height - 1));
-    endEditCP(self, AllPixelFields);
+    placePixels(VolumeViewportPtr(this), width, height);
 
     const TextureChunkPtr textures[4] = {_sceneColorTexture, _sceneDepthTexture, _frontTexture,
                                          _backTexture};

@@ -101,15 +101,6 @@ void main()
 }
 )GLSL";
 
-NodePtr makeNode(const NodeCorePtr &core)
-{
-    NodePtr node = Node::create();
-    beginEditCP(node, Node::CoreFieldMask);
-    node->setCore(core);
-    endEditCP(node, Node::CoreFieldMask);
-    return node;
-}
-
 void addChild(const NodePtr &parent, const NodePtr &child)
 {
     beginEditCP(parent, Node::ChildrenFieldMask);
@@ -175,7 +166,7 @@ NodePtr materialNode(Int32 sortKey, std::initializer_list<StateChunkPtr> chunks,
     group->setMaterial(material);
     endEditCP(group);
 
-    NodePtr node = makeNode(group);
+    NodePtr node = makeNodeFor(group);
     addChild(node, child);
     return node;
 }
@@ -221,7 +212,7 @@ void VolumeNodeHandler::createScreenQuad(NodePtr &node)
     geometry->setTexCoords(texCoords);
     endEditCP(geometry);
 
-    node = makeNode(geometry);
+    node = makeNodeFor(geometry);
 }
 
 void VolumeNodeHandler::createStartpositionScenegraph(void)
@@ -231,7 +222,7 @@ void VolumeNodeHandler::createStartpositionScenegraph(void)
 
     _frontFacesNode     = Node::create();
     _backFacesNode      = Node::create();
-    _frontTransformNode = makeNode(Transform::create());
+    _frontTransformNode = makeNodeFor(Transform::create());
     SHLChunkPtr frontShader = makeShader(PositionVertexShader, StartPositionFragmentShader);
     SHLChunkPtr backShader  = makeShader(PositionVertexShader, StartPositionFragmentShader);
     // front faces write their entry point; back faces only mark with alpha
@@ -251,10 +242,10 @@ void VolumeNodeHandler::createStartpositionScenegraph(void)
     _nearPlaneShader = makeShader(NearPlaneVertexShader, NearPlaneFragmentShader);
     NodePtr quad;
     createScreenQuad(quad);
-    NodePtr nearPlane = makeNode(Transform::create());
+    NodePtr nearPlane = makeNodeFor(Transform::create());
     addChild(nearPlane, materialNode(1, {_nearPlaneShader, makeDepth(false, GL_LEQUAL)}, quad));
 
-    _frontPositionRoot = makeNode(Group::create());
+    _frontPositionRoot = makeNodeFor(Group::create());
     addRefCP(_frontPositionRoot);
     addChild(_frontPositionRoot, _frontTransformNode);
     addChild(_frontPositionRoot, nearPlane);
@@ -271,12 +262,12 @@ void VolumeNodeHandler::createBackpositionScenegraph(void)
     beginEditCP(group);
     group->setMaterial(_backPositionMaterial);
     endEditCP(group);
-    NodePtr materialNode = makeNode(group);
+    NodePtr materialNode = makeNodeFor(group);
     addChild(materialNode, _backPositionGeometryNode);
-    _backTransformNode = makeNode(Transform::create());
+    _backTransformNode = makeNodeFor(Transform::create());
     addChild(_backTransformNode, materialNode);
 
-    _backPositionRoot = makeNode(Group::create());
+    _backPositionRoot = makeNodeFor(Group::create());
     addRefCP(_backPositionRoot);
     addChild(_backPositionRoot, _backTransformNode);
 
