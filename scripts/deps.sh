@@ -8,6 +8,8 @@ PACKAGES=(
   libegl-dev libgl-dev libglu1-mesa-dev libegl-mesa0 libgl1-mesa-dri
   libpng-dev zlib1g-dev libbz2-dev libteem-dev libdcmtk-dev
   libstb-dev libsquish-dev
+  libassimp-dev freeglut3-dev libx11-dev libglx-dev xvfb xauth xdotool x11-apps
+  doxygen
   clang libclang-rt-14-dev
 )
 
