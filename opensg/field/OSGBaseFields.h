@@ -10,6 +10,7 @@
 #include <OpenSG/OSGQuaternion.h>
 #include <OpenSG/OSGDynamicVolume.h>
 
+#include <cstdint>
 #include <cstring>
 #include <strings.h>
 
@@ -124,6 +125,43 @@ struct FieldDataTraits<std::string> : public FieldTraits
     static void copyToBin(BinaryDataHandler &mem, const std::string *v, UInt32 n) { mem.putValues(v, n); }
     static void copyFromBin(BinaryDataHandler &mem, std::string &v) { mem.getValue(v); }
     static void copyFromBin(BinaryDataHandler &mem, std::string *v, UInt32 n) { mem.getValues(v, n); }
+};
+
+/// A pointer into the application's memory: meaningful only in the process
+/// that set it, so it has no text form and travels as a 64-bit number.
+template <>
+struct FieldDataTraits<void *> : public FieldTraits
+{
+    static DataType _type;
+    enum { StringConvertable = 0x00 };
+    enum { bHasParent = 0x00 };
+    static DataType &getType(void) { return _type; }
+    static const Char8 *getSName(void) { return "SFVoidP"; }
+    static const Char8 *getMName(void) { return "MFVoidP"; }
+    static void *getDefault(void) { return NULL; }
+
+    static UInt32 getBinSize(void *const &) { return 8; }
+    static UInt32 getBinSize(void *const *, UInt32 n) { return 8 * n; }
+    static void copyToBin(BinaryDataHandler &mem, void *const &v)
+    {
+        mem.putValue(UInt64(reinterpret_cast<uintptr_t>(v)));
+    }
+    static void copyToBin(BinaryDataHandler &mem, void *const *v, UInt32 n)
+    {
+        for(UInt32 i = 0; i < n; ++i)
+            copyToBin(mem, v[i]);
+    }
+    static void copyFromBin(BinaryDataHandler &mem, void *&v)
+    {
+        UInt64 value = 0;
+        mem.getValue(value);
+        v = reinterpret_cast<void *>(uintptr_t(value));
+    }
+    static void copyFromBin(BinaryDataHandler &mem, void **v, UInt32 n)
+    {
+        for(UInt32 i = 0; i < n; ++i)
+            copyFromBin(mem, v[i]);
+    }
 };
 
 // --- math types ------------------------------------------------------------
@@ -246,6 +284,7 @@ OSG_FIELD_TYPEDEFS(Time, Time, 1);
 OSG_FIELD_TYPEDEFS(BitVector, BitVector, 1);
 OSG_FIELD_TYPEDEFS(GLenum, GLenum, 1);
 OSG_FIELD_TYPEDEFS(String, std::string, 0);
+OSG_FIELD_TYPEDEFS(VoidP, void *, 0);
 OSG_FIELD_TYPEDEFS(Vec2f, Vec2f, 0);
 OSG_FIELD_TYPEDEFS(Vec3f, Vec3f, 0);
 OSG_FIELD_TYPEDEFS(Vec4f, Vec4f, 0);

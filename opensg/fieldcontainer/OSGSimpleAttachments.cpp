@@ -18,6 +18,7 @@ FieldContainerType SimpleAttachment<AttachmentDescT>::_type(
     _desc, sizeof(_desc), false);
 
 template class SimpleAttachment<NameAttachmentDesc>;
+template class SimpleAttachment<VoidPAttachmentDesc>;
 
 const Char8 *getName(AttachmentContainerPtr container)
 {
@@ -73,6 +74,50 @@ void setName(AttachmentContainerPtr container, const Char8 *name)
         return;
     }
     setName(container, std::string(name));
+}
+
+void *getVoidP(AttachmentContainerPtr container)
+{
+    if(container == NullFC)
+        return NULL;
+    VoidPAttachmentPtr att = VoidPAttachmentPtr::dcast(
+        container->findAttachment(VoidPAttachment::getClassType().getGroupId()));
+    return att != NullFC ? att->getField().getValue() : NULL;
+}
+
+void setVoidP(AttachmentContainerPtr container, void *data, bool internal)
+{
+    if(container == NullFC)
+    {
+        FFATAL(("setVoidP: no container?!?\n"));
+        return;
+    }
+
+    AttachmentPtr      att = container->findAttachment(VoidPAttachment::getClassType().getGroupId());
+    VoidPAttachmentPtr voidp;
+    if(att == NullFC)
+    {
+        voidp = VoidPAttachment::create();
+        beginEditCP(voidp, Attachment::InternalFieldMask);
+        voidp->setInternal(internal);
+        endEditCP(voidp, Attachment::InternalFieldMask);
+        beginEditCP(container, AttachmentContainer::AttachmentsFieldMask);
+        container->addAttachment(voidp);
+        endEditCP(container, AttachmentContainer::AttachmentsFieldMask);
+    }
+    else
+    {
+        voidp = VoidPAttachmentPtr::dcast(att);
+        if(voidp == NullFC)
+        {
+            FFATAL(("setVoidP: VoidP Attachment is not castable to VoidP?!?\n"));
+            return;
+        }
+    }
+
+    beginEditCP(voidp, VoidPAttachment::SimpleFieldMask);
+    voidp->getField().setValue(data);
+    endEditCP(voidp, VoidPAttachment::SimpleFieldMask);
 }
 
 OSG_END_NAMESPACE

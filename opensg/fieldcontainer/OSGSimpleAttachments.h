@@ -142,6 +142,22 @@ typedef FCPtr<AttachmentPtr, Name>           NamePtr;
 
 extern template class SimpleAttachment<NameAttachmentDesc>;
 
+struct VoidPAttachmentDesc
+{
+    typedef SFVoidP FieldTypeT;
+
+    static const Char8 *getTypeName(void) { return "VoidPAttachment"; }
+    static const Char8 *getFieldName(void) { return "data"; }
+    static const Char8 *getGroupName(void) { return "voidp"; }
+    static const Char8 *getParentTypeName(void) { return "Attachment"; }
+};
+
+/// An application pointer hung on a container; the pointee is not owned.
+typedef SimpleAttachment<VoidPAttachmentDesc> VoidPAttachment;
+typedef FCPtr<AttachmentPtr, VoidPAttachment> VoidPAttachmentPtr;
+
+extern template class SimpleAttachment<VoidPAttachmentDesc>;
+
 /// The name of a container, or NULL when it has none.
 const Char8 *getName(AttachmentContainerPtr container);
 
@@ -150,6 +166,13 @@ void setName(AttachmentContainerPtr container, const std::string &name);
 
 /// Names a container; NULL removes the name.
 void setName(AttachmentContainerPtr container, const Char8 *name);
+
+/// The pointer of the container's VoidPAttachment, or NULL when it has none.
+void *getVoidP(AttachmentContainerPtr container);
+
+/// Stores data in the container's VoidPAttachment, adding one when needed;
+/// internal marks a new attachment as the system's own.
+void setVoidP(AttachmentContainerPtr container, void *data, bool internal = false);
 
 OSG_END_NAMESPACE
 

@@ -35,6 +35,10 @@ class SimpleMaterial : public SimpleMaterialBase
     /// Drops the private chunks.
     virtual void onDestroy(void);
 
+    MaterialChunkPtr _materialChunk;
+    /// Made when the material first turns out transparent.
+    BlendChunkPtr    _blendChunk;
+
   private:
     friend class FieldContainer;
     friend class SimpleMaterialBase;
@@ -44,9 +48,6 @@ class SimpleMaterial : public SimpleMaterialBase
     /// Fills the private chunks from the fields and adds them to state.
     void prepareLocalChunks(void);
     void addLocalChunks(StatePtr state);
-
-    MaterialChunkPtr _materialChunk;
-    BlendChunkPtr    _blendChunk;
 
     void operator=(const SimpleMaterial &source);
 };

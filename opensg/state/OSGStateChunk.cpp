@@ -25,9 +25,19 @@ struct StandardClass
 // its activation: textures come before anything that transforms them, and
 // fog, lights and material are set before a shader chunk that reads them.
 const StandardClass StandardClasses[] = {
-    {"Texture", osgMaxTexImages}, {"TwoSidedLighting", 1}, {"Fog", 1},   {"Light", 8},
-    {"Material", 1},              {"Polygon", 1},          {"Depth", 1}, {"Color", 1},
-    {"Blend", 1},                 {"SHL", 1}};
+    {"Texture", osgMaxTexImages},
+    {"TexGen", osgMaxTexCoords},
+    {"TextureTransform", osgMaxTexCoords},
+    {"Transform", 1},
+    {"TwoSidedLighting", 1},
+    {"Fog", 1},
+    {"Light", 8},
+    {"Material", 1},
+    {"Polygon", 1},
+    {"Depth", 1},
+    {"Color", 1},
+    {"Blend", 1},
+    {"SHL", 1}};
 
 // whether the standard class that starts at an entry has been constructed
 std::vector<bool> &claimed(void)

@@ -35,6 +35,10 @@ UInt32 TextureChunk::_funcCompressedTexSubImage3D = Window::invalidFunctionID;
 
 UInt32 TextureChunk::_numTexCreate        = 0;
 Time   TextureChunk::_summedTexCreateTime = 0;
+bool   TextureChunk::_needTexMat[osgMaxTexCoords]       = {};
+Matrix TextureChunk::_lastTexMat[osgMaxTexCoords];
+bool   TextureChunk::_needTransformMat[osgMaxTexCoords] = {};
+Matrix TextureChunk::_transformMat[osgMaxTexCoords];
 
 namespace
 {
@@ -885,10 +889,12 @@ bool TextureChunk::activateTexture(Window *win, UInt16 unit)
     return unit != 0;
 }
 
-bool TextureChunk::activeMatrix(Matrix &, UInt16)
+bool TextureChunk::activeMatrix(Matrix &texMat, UInt16 unit)
 {
-    // no texture-transform chunk records matrices in this system
-    return false;
+    if(unit >= osgMaxTexCoords || !_needTransformMat[unit])
+        return false;
+    texMat = _transformMat[unit];
+    return true;
 }
 
 UInt32 TextureChunk::getNumTexCreate(void)
@@ -920,7 +926,7 @@ void TextureChunk::getUnitLimits(Window *win, UInt32 &nImages, UInt32 &nCoords, 
     nCoords = UInt32(coords);
 }
 
-void TextureChunk::applyTextureMatrix(GLenum target, Window *win)
+void TextureChunk::applyTextureMatrix(GLenum target, Window *win, UInt32 unit)
 {
     glPushAttrib(GL_TRANSFORM_BIT);
     glMatrixMode(GL_TEXTURE);
@@ -974,13 +980,29 @@ void TextureChunk::applyTextureMatrix(GLenum target, Window *win)
             m[3][0] = tw;
             m[3][1] = th;
             m[3][2] = td;
+            if(unit < osgMaxTexCoords)
+            {
+                _needTexMat[unit] = true;
+                _lastTexMat[unit] = m;
+            }
+            Matrix transform;
+            if(activeMatrix(transform, UInt16(unit)))
+                m.mult(transform);
             glLoadMatrixf(m.getValues());
             loaded = true;
         }
     }
 
     if(!loaded)
-        glLoadIdentity();
+    {
+        if(unit < osgMaxTexCoords)
+            _needTexMat[unit] = false;
+        Matrix transform;
+        if(activeMatrix(transform, UInt16(unit)))
+            glLoadMatrixf(transform.getValues());
+        else
+            glLoadIdentity();
+    }
 
     glPopAttrib();
 }
@@ -1054,7 +1076,7 @@ void TextureChunk::activate(DrawActionBase *action, UInt32 unit)
         glEnable(target);
 
     if(unit < nCoords)
-        applyTextureMatrix(target, win);
+        applyTextureMatrix(target, win, unit);
 
     glErr("TextureChunk::activate");
 }
@@ -1104,7 +1126,7 @@ void TextureChunk::changeFrom(DrawActionBase *action, StateChunk *old_chunk, UIn
         glEnable(target);
 
     if(unit < nCoords)
-        applyTextureMatrix(target, win);
+        applyTextureMatrix(target, win, unit);
 
     glErr("TextureChunk::changeFrom");
 }
@@ -1148,8 +1170,14 @@ void TextureChunk::deactivate(DrawActionBase *action, UInt32 unit)
     {
         glPushAttrib(GL_TRANSFORM_BIT);
         glMatrixMode(GL_TEXTURE);
-        glLoadIdentity();
+        Matrix transform;
+        if(activeMatrix(transform, UInt16(unit)))
+            glLoadMatrixf(transform.getValues());
+        else
+            glLoadIdentity();
         glPopAttrib();
+        if(unit < osgMaxTexCoords)
+            _needTexMat[unit] = false;
     }
 
     glDisable(target);

@@ -95,7 +95,7 @@ class TextureChunk : public TextureChunkBase
     /// activeTexture if the window has multitexturing; true ("failed") only
     /// when it has none and unit is not 0.
     static bool activateTexture(Window *win, UInt16 unit);
-    /// The texture matrix another chunk recorded for unit, if any.
+    /// The texture matrix a TextureTransformChunk recorded for unit, if any.
     static bool activeMatrix(Matrix &texMat, UInt16 unit = 0);
 
     /// How many textures were created or recreated, and the seconds spent.
@@ -137,7 +137,17 @@ class TextureChunk : public TextureChunkBase
     static void getUnitLimits(Window *win, UInt32 &nImages, UInt32 &nCoords, UInt32 &nUnits);
     void applyEnvironment(Window *win, TextureChunk *old, UInt32 unit, UInt32 nImages,
                           UInt32 nUnits, UInt32 nCoords);
-    void applyTextureMatrix(GLenum target, Window *win);
+    void applyTextureMatrix(GLenum target, Window *win, UInt32 unit);
+
+    friend class TextureTransformChunk;
+
+    /// Per coordinate unit: the correction matrix the texture chunk loaded
+    /// itself (non-power-of-two scale, flips), and the matrix a
+    /// TextureTransformChunk loaded on top of it.
+    static bool   _needTexMat[osgMaxTexCoords];
+    static Matrix _lastTexMat[osgMaxTexCoords];
+    static bool   _needTransformMat[osgMaxTexCoords];
+    static Matrix _transformMat[osgMaxTexCoords];
 
     /// "Texture", osgMaxTexImages slots.
     static StateChunkClass _class;

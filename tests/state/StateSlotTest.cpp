@@ -8,7 +8,9 @@
 #include <OpenSG/OSGMaterialChunk.h>
 #include <OpenSG/OSGSHLChunk.h>
 #include <OpenSG/OSGState.h>
+#include <OpenSG/OSGTexGenChunk.h>
 #include <OpenSG/OSGTextureChunk.h>
+#include <OpenSG/OSGTextureTransformChunk.h>
 #include <OpenSG/OSGLog.h>
 
 #include <gtest/gtest.h>
@@ -97,7 +99,8 @@ TEST(StateChunkClassTest, StandardClassesKeepTheirOrderAndOthersComeAfter)
     // a state activates in class order: textures before what transforms
     // them, fog, lights and material before a shader chunk reading them,
     // whatever order the classes were linked in
-    const UInt32 order[] = {TextureChunk::getStaticClassId(), FogChunk::getStaticClassId(),
+    const UInt32 order[] = {TextureChunk::getStaticClassId(), TexGenChunk::getStaticClassId(),
+                            TextureTransformChunk::getStaticClassId(), FogChunk::getStaticClassId(),
                             LightChunk::getStaticClassId(), MaterialChunk::getStaticClassId(),
                             SHLChunk::getStaticClassId()};
     EXPECT_TRUE(std::is_sorted(std::begin(order), std::end(order)));
