@@ -4,6 +4,7 @@
 #include "GeometryRenderScene.h"
 
 #include <OpenSG/OSGComponentTransform.h>
+#include <OpenSG/OSGIntersectAction.h>
 
 #include <cmath>
 
@@ -182,4 +183,28 @@ TEST(ComponentTransform, ChildrenAreDrawnWhereTheMatrixProjectsThem)
     }
     EXPECT_EQ(wrong, 0u);
     EXPECT_EQ(want, 8u * 16u) << "a quarter-turned 0.25 x 0.5 rectangle";
+}
+
+TEST(ComponentTransform, PickingSeesTheChildrenWhereTheyAreDrawn)
+{
+    // a quad moved to x = 3 and turned to face +x
+    ComponentTransformPtr ct = makeComponents(Vec3f(3, 0, 0), Quaternion(Vec3f(0, 1, 0), Pi / 2),
+                                              Vec3f(1, 1, 1), Quaternion(), Vec3f(0, 0, 0));
+    NodePtr n = makeNodeFor(ct);
+    addRefCP(n);
+    beginEditCP(n, Node::ChildrenFieldMask);
+    n->addChild(makeNodeFor(makePlaneGeo(1, 1, 1, 1)));
+    endEditCP(n, Node::ChildrenFieldMask);
+
+    IntersectAction *ia = IntersectAction::create(Line(Pnt3f(10, 0.2f, 0.1f), Vec3f(-1, 0, 0)));
+    ia->apply(n);
+    ASSERT_TRUE(ia->didHit());
+    EXPECT_NEAR(ia->getHitPoint()[0], 3, 1e-5f);
+    EXPECT_NEAR(ia->getHitT(), 7, 1e-5f);
+
+    ia->setLine(Line(Pnt3f(10, 0.2f, 0.7f), Vec3f(-1, 0, 0)));
+    ia->apply(n);
+    EXPECT_FALSE(ia->didHit()) << "beside the turned quad";
+    delete ia;
+    subRefCP(n);
 }

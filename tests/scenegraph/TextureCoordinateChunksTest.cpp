@@ -7,6 +7,7 @@
 
 #include <OpenSG/OSGTexGenChunk.h>
 #include <OpenSG/OSGTextureTransformChunk.h>
+#include <OpenSG/OSGTransformChunk.h>
 
 using namespace osg;
 using namespace geometrytest;
@@ -214,4 +215,67 @@ TEST(TextureTransformChunk, CameraBeaconGivesTheCameraRotation)
                             },
                             1, "camera rotation as texture matrix");
     EXPECT_GT(n, 2000u);
+}
+
+TEST(TextureTransformChunk, IsMultipliedOntoTheTextureChunksOwnCorrection)
+{
+    RenderScene s;
+    NEED_GL(s);
+
+    // the texture mirrors s by a matrix of its own: s' = 1 - s
+    TextureChunkPtr flipped = coordinateTexture();
+    beginEditCP(flipped);
+    flipped->setScale(false);
+    flipped->setNPOTMatrixScale(TextureChunk::XFlip_TT);
+    endEditCP(flipped);
+
+    TextureTransformChunkPtr tt = TextureTransformChunk::create();
+    Matrix                   m;
+    m.setTranslate(0.25f, 0.125f, 0);
+    m.setScale(0.5f, 0.75f, 1);
+    beginEditCP(tt);
+    tt->setMatrix(m);
+    endEditCP(tt);
+
+    addToRoot(s, placedQuad(2, 2, Vec3f(0, 0, 0), 1, texturedMaterial(flipped, tt)));
+    std::vector<UInt8> img = s.render();
+    expectTexels(img,
+                 [](Real32 x, Real32 y, Real32 &u, Real32 &v) {
+                     if(!inside(x, y, -1, -1, 1, 1))
+                         return false;
+                     u = 1 - (0.5f * (x + 1) / 2 + 0.25f);
+                     v = 0.75f * (y + 1) / 2 + 0.125f;
+                     return true;
+                 },
+                 1, "flip after the texture matrix");
+}
+
+TEST(TransformChunk, MovesWhatItsMaterialDraws)
+{
+    RenderScene s;
+    NEED_GL(s);
+
+    TransformChunkPtr move = TransformChunk::create();
+    Matrix            m;
+    m.setTranslate(0.5f, -0.25f, 0);
+    beginEditCP(move);
+    move->setMatrix(m);
+    endEditCP(move);
+    EXPECT_EQ(std::string(move->getClass()->getName()), "Transform");
+
+    GeometryPtr quad = greenQuad();
+    SimpleMaterialPtr mat = SimpleMaterialPtr::dcast(quad->getMaterial());
+    beginEditCP(mat);
+    mat->addChunk(move);
+    endEditCP(mat);
+    s.add(quad);
+
+    // the 32 x 32 quad moved by 16 pixels right and 8 down
+    std::vector<UInt8> img = s.render();
+    UInt32 box[4];
+    EXPECT_EQ(countColor(img, 0, 255, 0, box), 32u * 32u);
+    EXPECT_EQ(box[0], 32u);
+    EXPECT_EQ(box[1], 8u);
+    EXPECT_EQ(box[2], 63u);
+    EXPECT_EQ(box[3], 39u);
 }
