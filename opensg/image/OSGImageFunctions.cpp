@@ -99,6 +99,32 @@ class PerlinNoise
         return lerp(sx, u, v);
     }
 
+    /// The lattice square around (x, y): the four corner entries, the
+    /// fractions to the corners and the blending weights.
+    struct Square
+    {
+        Int32  b00, b10, b01, b11;
+        Real32 rx0, rx1, ry0, ry1, sx, sy;
+    };
+
+    Square square(const Real32 *vec) const
+    {
+        Square q;
+        Int32  bx0, bx1, by0, by1;
+        setup(vec[0], bx0, bx1, q.rx0, q.rx1);
+        setup(vec[1], by0, by1, q.ry0, q.ry1);
+
+        const Int32 i = _p[bx0];
+        const Int32 j = _p[bx1];
+        q.b00         = _p[i + by0];
+        q.b10         = _p[j + by0];
+        q.b01         = _p[i + by1];
+        q.b11         = _p[j + by1];
+        q.sx          = sCurve(q.rx0);
+        q.sy          = sCurve(q.ry0);
+        return q;
+    }
+
     Real32 at2(Int32 q, Real32 rx, Real32 ry) const
     {
         return rx * _g2[q * 2] + ry * _g2[q * 2 + 1];
@@ -106,24 +132,10 @@ class PerlinNoise
 
     Real32 noise2(const Real32 *vec) const
     {
-        Int32  bx0, bx1, by0, by1;
-        Real32 rx0, rx1, ry0, ry1;
-        setup(vec[0], bx0, bx1, rx0, rx1);
-        setup(vec[1], by0, by1, ry0, ry1);
-
-        const Int32 i   = _p[bx0];
-        const Int32 j   = _p[bx1];
-        const Int32 b00 = _p[i + by0];
-        const Int32 b10 = _p[j + by0];
-        const Int32 b01 = _p[i + by1];
-        const Int32 b11 = _p[j + by1];
-
-        const Real32 sx = sCurve(rx0);
-        const Real32 sy = sCurve(ry0);
-
-        const Real32 a = lerp(sx, at2(b00, rx0, ry0), at2(b10, rx1, ry0));
-        const Real32 b = lerp(sx, at2(b01, rx0, ry1), at2(b11, rx1, ry1));
-        return lerp(sy, a, b);
+        const Square q = square(vec);
+        const Real32 a = lerp(q.sx, at2(q.b00, q.rx0, q.ry0), at2(q.b10, q.rx1, q.ry0));
+        const Real32 b = lerp(q.sx, at2(q.b01, q.rx0, q.ry1), at2(q.b11, q.rx1, q.ry1));
+        return lerp(q.sy, a, b);
     }
 
     Real32 at3(Int32 q, Real32 rx, Real32 ry, Real32 rz) const
@@ -131,32 +143,21 @@ class PerlinNoise
         return rx * _g3[q * 3] + ry * _g3[q * 3 + 1] + rz * _g3[q * 3 + 2];
     }
 
+    /// One face of the lattice cube: the square's corners offset by bz.
+    Real32 face(const Square &q, Int32 bz, Real32 rz) const
+    {
+        const Real32 a = lerp(q.sx, at3(q.b00 + bz, q.rx0, q.ry0, rz), at3(q.b10 + bz, q.rx1, q.ry0, rz));
+        const Real32 b = lerp(q.sx, at3(q.b01 + bz, q.rx0, q.ry1, rz), at3(q.b11 + bz, q.rx1, q.ry1, rz));
+        return lerp(q.sy, a, b);
+    }
+
     Real32 noise3(const Real32 *vec) const
     {
-        Int32  bx0, bx1, by0, by1, bz0, bz1;
-        Real32 rx0, rx1, ry0, ry1, rz0, rz1;
-        setup(vec[0], bx0, bx1, rx0, rx1);
-        setup(vec[1], by0, by1, ry0, ry1);
+        const Square q = square(vec);
+        Int32        bz0, bz1;
+        Real32       rz0, rz1;
         setup(vec[2], bz0, bz1, rz0, rz1);
-
-        const Int32 i   = _p[bx0];
-        const Int32 j   = _p[bx1];
-        const Int32 b00 = _p[i + by0];
-        const Int32 b10 = _p[j + by0];
-        const Int32 b01 = _p[i + by1];
-        const Int32 b11 = _p[j + by1];
-
-        const Real32 t  = sCurve(rx0);
-        const Real32 sy = sCurve(ry0);
-        const Real32 sz = sCurve(rz0);
-
-        Real32 a = lerp(t, at3(b00 + bz0, rx0, ry0, rz0), at3(b10 + bz0, rx1, ry0, rz0));
-        Real32 b = lerp(t, at3(b01 + bz0, rx0, ry1, rz0), at3(b11 + bz0, rx1, ry1, rz0));
-        const Real32 c = lerp(sy, a, b);
-        a = lerp(t, at3(b00 + bz1, rx0, ry0, rz1), at3(b10 + bz1, rx1, ry0, rz1));
-        b = lerp(t, at3(b01 + bz1, rx0, ry1, rz1), at3(b11 + bz1, rx1, ry1, rz1));
-        const Real32 d = lerp(sy, a, b);
-        return lerp(sz, c, d);
+        return lerp(sCurve(rz0), face(q, bz0, rz0), face(q, bz1, rz1));
     }
 
     Int32               _b;

@@ -1,8 +1,5 @@
 #include <OpenSG/OSGComponentTransform.h>
-#include <OpenSG/OSGDrawAction.h>
-#include <OpenSG/OSGIntersectAction.h>
-#include <OpenSG/OSGIntersectActor.h>
-#include <OpenSG/OSGRenderAction.h>
+#include <OpenSG/OSGLog.h>
 
 OSG_BEGIN_NAMESPACE
 
@@ -20,39 +17,9 @@ ComponentTransform::~ComponentTransform(void)
 
 void ComponentTransform::initMethod(void)
 {
-    typedef Action::ResultE R;
-
     // the actions find functors by exact type: give this type the
     // Transform's own
-    DrawAction::registerEnterDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<R, TransformPtr, CNodePtr, Action *>(&Transform::drawEnter));
-    DrawAction::registerLeaveDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<R, TransformPtr, CNodePtr, Action *>(&Transform::drawLeave));
-
-    RenderAction::registerEnterDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<R, TransformPtr, CNodePtr, Action *>(&Transform::renderEnter));
-    RenderAction::registerLeaveDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<R, TransformPtr, CNodePtr, Action *>(&Transform::renderLeave));
-
-    IntersectAction::registerEnterDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<R, TransformPtr, CNodePtr, Action *>(&Transform::intersectEnter));
-    IntersectAction::registerLeaveDefault(
-        getClassType(),
-        osgTypedMethodFunctor2BaseCPtrRef<R, TransformPtr, CNodePtr, Action *>(&Transform::intersectLeave));
-
-    IntersectActor::regClassEnter(
-        osgTypedMethodFunctor2BaseCPtr<NewActionTypes::ResultE, TransformPtr, NodeCorePtr,
-                                       ActorBase::FunctorArgumentType &>(&Transform::intersectActorEnter),
-        getClassType());
-    IntersectActor::regClassLeave(
-        osgTypedMethodFunctor2BaseCPtr<NewActionTypes::ResultE, TransformPtr, NodeCorePtr,
-                                       ActorBase::FunctorArgumentType &>(&Transform::intersectActorLeave),
-        getClassType());
+    registerFunctors(getClassType());
 }
 
 void ComponentTransform::changed(BitVector whichField, UInt32 origin)

@@ -39,37 +39,42 @@ Transform::~Transform(void)
 
 void Transform::initMethod(void)
 {
+    registerFunctors(getClassType());
+}
+
+void Transform::registerFunctors(const FieldContainerType &type)
+{
     typedef Action::ResultE R;
 
     DrawAction::registerEnterDefault(
-        getClassType(),
+        type,
         osgTypedMethodFunctor2BaseCPtrRef<R, TransformPtr, CNodePtr, Action *>(&Transform::drawEnter));
     DrawAction::registerLeaveDefault(
-        getClassType(),
+        type,
         osgTypedMethodFunctor2BaseCPtrRef<R, TransformPtr, CNodePtr, Action *>(&Transform::drawLeave));
 
     RenderAction::registerEnterDefault(
-        getClassType(),
+        type,
         osgTypedMethodFunctor2BaseCPtrRef<R, TransformPtr, CNodePtr, Action *>(&Transform::renderEnter));
     RenderAction::registerLeaveDefault(
-        getClassType(),
+        type,
         osgTypedMethodFunctor2BaseCPtrRef<R, TransformPtr, CNodePtr, Action *>(&Transform::renderLeave));
 
     IntersectAction::registerEnterDefault(
-        getClassType(),
+        type,
         osgTypedMethodFunctor2BaseCPtrRef<R, TransformPtr, CNodePtr, Action *>(&Transform::intersectEnter));
     IntersectAction::registerLeaveDefault(
-        getClassType(),
+        type,
         osgTypedMethodFunctor2BaseCPtrRef<R, TransformPtr, CNodePtr, Action *>(&Transform::intersectLeave));
 
     IntersectActor::regClassEnter(
         osgTypedMethodFunctor2BaseCPtr<NewActionTypes::ResultE, TransformPtr, NodeCorePtr,
                                        ActorBase::FunctorArgumentType &>(&Transform::intersectActorEnter),
-        getClassType());
+        type);
     IntersectActor::regClassLeave(
         osgTypedMethodFunctor2BaseCPtr<NewActionTypes::ResultE, TransformPtr, NodeCorePtr,
                                        ActorBase::FunctorArgumentType &>(&Transform::intersectActorLeave),
-        getClassType());
+        type);
 }
 
 void Transform::accumulateMatrix(Matrix &result)

@@ -40,6 +40,10 @@ class Transform : public TransformBase
     /// The children's volume, moved into the parent's space.
     virtual void adjustVolume(Volume &volume);
 
+    /// Registers the transform's action functors for type, a Transform or
+    /// a subclass that draws and picks as one.
+    static void registerFunctors(const FieldContainerType &type);
+
   private:
     friend class FieldContainer;
     friend class TransformBase;

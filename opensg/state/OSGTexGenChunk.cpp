@@ -13,17 +13,6 @@ StateChunkClass TexGenChunk::_class("TexGen", osgMaxTexCoords);
 namespace
 {
 
-/// The texture-coordinate sets of the window.
-UInt32 texGenUnits(Window *win)
-{
-    Real32 n = win->getConstantValue(GL_MAX_TEXTURE_COORDS_ARB);
-    if(!(n > 0))
-        n = win->getConstantValue(GL_MAX_TEXTURE_UNITS_ARB);
-    if(!(n > 0))
-        n = 1;
-    return UInt32(n);
-}
-
 /// One generated coordinate: its GL names and the chunk's settings.
 struct TexGenCoordinate
 {
@@ -79,7 +68,7 @@ const StateChunkClass *TexGenChunk::getClass(void) const
 void TexGenChunk::activate(DrawActionBase *action, UInt32 unit)
 {
     Window *win = action->getWindow();
-    if(unit >= texGenUnits(win))
+    if(unit >= TextureChunk::coordinateUnits(win))
         return;
 
     TextureChunk::activateTexture(win, UInt16(unit));
@@ -135,7 +124,7 @@ void TexGenChunk::changeFrom(DrawActionBase *action, StateChunk *old, UInt32 uni
     }
 
     Window *win = action->getWindow();
-    if(unit >= texGenUnits(win))
+    if(unit >= TextureChunk::coordinateUnits(win))
         return;
 
     TexGenCoordinate mine[4], theirs[4];
@@ -156,7 +145,7 @@ void TexGenChunk::changeFrom(DrawActionBase *action, StateChunk *old, UInt32 uni
 void TexGenChunk::deactivate(DrawActionBase *action, UInt32 unit)
 {
     Window *win = action->getWindow();
-    if(unit >= texGenUnits(win))
+    if(unit >= TextureChunk::coordinateUnits(win))
         return;
 
     TextureChunk::activateTexture(win, UInt16(unit));

@@ -926,6 +926,13 @@ void TextureChunk::getUnitLimits(Window *win, UInt32 &nImages, UInt32 &nCoords, 
     nCoords = UInt32(coords);
 }
 
+UInt32 TextureChunk::coordinateUnits(Window *win)
+{
+    UInt32 nImages, nCoords, nUnits;
+    getUnitLimits(win, nImages, nCoords, nUnits);
+    return nCoords;
+}
+
 void TextureChunk::applyTextureMatrix(GLenum target, Window *win, UInt32 unit)
 {
     glPushAttrib(GL_TRANSFORM_BIT);

@@ -135,10 +135,15 @@ class TextureChunk : public TextureChunkBase
     /// The unit limits of the window: image units, coordinate sets,
     /// fixed-function units.
     static void getUnitLimits(Window *win, UInt32 &nImages, UInt32 &nCoords, UInt32 &nUnits);
+    /// The texture-coordinate sets of the window.
+    static UInt32 coordinateUnits(Window *win);
     void applyEnvironment(Window *win, TextureChunk *old, UInt32 unit, UInt32 nImages,
                           UInt32 nUnits, UInt32 nCoords);
     void applyTextureMatrix(GLenum target, Window *win, UInt32 unit);
 
+    // the chunks of texture coordinates share the unit limits, and the
+    // texture transform the matrix bookkeeping
+    friend class TexGenChunk;
     friend class TextureTransformChunk;
 
     /// Per coordinate unit: the correction matrix the texture chunk loaded

@@ -9,22 +9,6 @@ OSG_BEGIN_NAMESPACE
 
 StateChunkClass TextureTransformChunk::_class("TextureTransform", osgMaxTexCoords);
 
-namespace
-{
-
-/// The texture-coordinate sets of the action's window.
-UInt32 textureTransformUnits(Window *win)
-{
-    Real32 n = win->getConstantValue(GL_MAX_TEXTURE_COORDS_ARB);
-    if(!(n > 0))
-        n = win->getConstantValue(GL_MAX_TEXTURE_UNITS_ARB);
-    if(!(n > 0))
-        n = 1;
-    return UInt32(n);
-}
-
-} // namespace
-
 TextureTransformChunk::TextureTransformChunk(void) : Inherited()
 {
 }
@@ -50,7 +34,7 @@ const StateChunkClass *TextureTransformChunk::getClass(void) const
 void TextureTransformChunk::activate(DrawActionBase *action, UInt32 unit)
 {
     Window *win = action->getWindow();
-    if(unit >= textureTransformUnits(win) || unit >= osgMaxTexCoords)
+    if(unit >= TextureChunk::coordinateUnits(win) || unit >= osgMaxTexCoords)
         return;
 
     TextureChunk::activateTexture(win, UInt16(unit));
@@ -100,7 +84,7 @@ void TextureTransformChunk::changeFrom(DrawActionBase *action, StateChunk *old, 
 void TextureTransformChunk::deactivate(DrawActionBase *action, UInt32 unit)
 {
     Window *win = action->getWindow();
-    if(unit >= textureTransformUnits(win) || unit >= osgMaxTexCoords)
+    if(unit >= TextureChunk::coordinateUnits(win) || unit >= osgMaxTexCoords)
         return;
 
     TextureChunk::activateTexture(win, UInt16(unit));

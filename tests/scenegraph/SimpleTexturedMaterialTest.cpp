@@ -127,15 +127,9 @@ TEST(SimpleTexturedMaterial, EnvMapSphereMapsTheImage)
     mat->setEnvMap(true);
     endEditCP(mat, SimpleTexturedMaterial::EnvMapFieldMask);
 
-    GeometryPtr geo;
-    addToRoot(s, placedQuad(2, 2, Vec3f(0, 0, -0.5f), 1, mat, &geo));
     Vec3f normal(-0.2f, 0.35f, 1);
     normal.normalize();
-    GeoNormalsPtr norms = geo->getNormals();
-    beginEditCP(norms);
-    for(UInt32 i = 0; i < norms->getSize(); ++i)
-        norms->setValue(normal, i);
-    endEditCP(norms);
+    addToRoot(s, tiltedQuad(normal, mat));
 
     std::vector<UInt8> img = s.render();
     expectTexels(img,

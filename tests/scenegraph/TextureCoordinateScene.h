@@ -93,6 +93,20 @@ inline NodePtr placedQuad(Real32 w, Real32 h, const Vec3f &centre, Real32 scale,
     return n;
 }
 
+/// The whole window half a unit in front of the eye, every vertex normal
+/// set to normal (a unit vector).
+inline NodePtr tiltedQuad(const Vec3f &normal, MaterialPtr mat)
+{
+    GeometryPtr geo;
+    NodePtr     n     = placedQuad(2, 2, Vec3f(0, 0, -0.5f), 1, mat, &geo);
+    GeoNormalsPtr norms = geo->getNormals();
+    beginEditCP(norms);
+    for(UInt32 i = 0; i < norms->getSize(); ++i)
+        norms->setValue(normal, i);
+    endEditCP(norms);
+    return n;
+}
+
 inline void addToRoot(RenderScene &s, NodePtr n)
 {
     beginEditCP(s.root, Node::ChildrenFieldMask);
