@@ -30,3 +30,8 @@ Int32 firstVertex(TriangleIterator &it)
 {
     return it.getPrimitiveIterator().getVertexIndex(0);
 }
+
+void MyTransform::initMethod(void)
+{
+    registerFunctors(getClassType());
+}
