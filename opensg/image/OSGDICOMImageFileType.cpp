@@ -14,7 +14,6 @@
 #include <dcmtk/oflog/oflog.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -341,18 +340,7 @@ bool dicomFolderFiles(const std::string &folder, std::vector<std::string> &files
 
 bool dicomIsList(const std::string &path)
 {
-    const std::string suffix = ".dcmlist";
-
-    if(path.size() < suffix.size())
-        return false;
-
-    for(size_t i = 0; i < suffix.size(); ++i)
-    {
-        if(std::tolower(static_cast<unsigned char>(
-               path[path.size() - suffix.size() + i])) != suffix[i])
-            return false;
-    }
-    return true;
+    return volumeEndsWithNoCase(path, ".dcmlist");
 }
 
 /// The slice files a list names, one a line; false with a warning for a

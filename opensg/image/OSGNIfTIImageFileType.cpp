@@ -6,7 +6,6 @@
 #include <zlib.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <cstring>
 #include <fstream>
@@ -96,20 +95,6 @@ bool niftiIsGzip(const UInt8 *data, UInt64 size)
     return size >= 2 && data[0] == 0x1f && data[1] == 0x8b;
 }
 
-bool niftiEndsWith(const std::string &text, const std::string &suffix)
-{
-    if(text.size() < suffix.size())
-        return false;
-
-    for(size_t i = 0; i < suffix.size(); ++i)
-    {
-        if(std::tolower(static_cast<unsigned char>(
-               text[text.size() - suffix.size() + i])) != suffix[i])
-            return false;
-    }
-    return true;
-}
-
 /// One stored element as a double (host order taken care of).
 Real64 niftiElementValue(const UInt8 *p, VolumeElement element, bool swap)
 {
@@ -144,6 +129,19 @@ Real32 niftiToFloat(Real64 v)
     return Real32(v);
 }
 
+/// `count` floats from `offset` on; true when all are finite.
+bool niftiFiniteFloats(const NIfTIBytes &b, UInt32 offset, UInt32 count, Real64 *out)
+{
+    bool finite = true;
+
+    for(UInt32 i = 0; i < count; ++i)
+    {
+        out[i] = b.f32(offset + 4 * i);
+        finite = finite && std::isfinite(out[i]);
+    }
+    return finite;
+}
+
 /// The voxel-to-world matrix of a header whose spacing is known: the
 /// sform when sform_code > 0, else the qform when qform_code > 0, else the
 /// pixdim scaling. A form with values that are not finite is passed over
@@ -161,14 +159,8 @@ void niftiTransform(const NIfTIBytes &b, NIfTIHeader &header)
     if(b.i16(NIfTIOffSformCode) > 0)
     {
         Real64 rows[12];
-        bool   finite = true;
 
-        for(UInt32 i = 0; i < 12; ++i)
-        {
-            rows[i] = b.f32(NIfTIOffSrowX + 4 * i);
-            finite  = finite && std::isfinite(rows[i]);
-        }
-        if(finite)
+        if(niftiFiniteFloats(b, NIfTIOffSrowX, 12, rows))
         {
             std::copy(rows, rows + 12, m);
             header.transformSource = 2;
@@ -181,14 +173,8 @@ void niftiTransform(const NIfTIBytes &b, NIfTIHeader &header)
     if(b.i16(NIfTIOffQformCode) > 0)
     {
         Real64 q[6];
-        bool   finite = true;
 
-        for(UInt32 i = 0; i < 6; ++i)
-        {
-            q[i]   = b.f32(NIfTIOffQuatern + 4 * i);
-            finite = finite && std::isfinite(q[i]);
-        }
-        if(!finite)
+        if(!niftiFiniteFloats(b, NIfTIOffQuatern, 6, q))
         {
             FWARNING(("NIfTI: the qform holds values that are not finite; it "
                       "is not used\n"));
@@ -742,7 +728,7 @@ bool NIfTIImageFileType::write(const ImagePtr &image, const Char8 *fileName)
     if(!encodeVolumeData(layout, data, size, block))
         return false;
 
-    if(niftiEndsWith(fileName, ".gz"))
+    if(volumeEndsWithNoCase(fileName, ".gz"))
     {
         gzFile file = gzopen(fileName, "wb");
 

@@ -9,6 +9,7 @@
 
 #include "../support/ScratchDir.h"
 #include "../support/TextSupport.h"
+#include "VolumeTransformSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +17,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -173,25 +173,10 @@ UInt16 dicomVoxel(ImagePtr image, int x, int y, int z)
     return v;
 }
 
-/// The twelve numbers of the image's "Transform" (empty without one).
-std::vector<double> dicomMatrix(ImagePtr image)
-{
-    std::vector<double> m;
-    const std::string  *text = image->findAttachmentField("Transform");
-    if(text == nullptr)
-        return m;
-    std::istringstream in(*text);
-    double             v;
-    while(in >> v)
-        m.push_back(v);
-    return m;
-}
-
+/// DICOM writes positions with six digits.
 void expectDicomMatrix(const std::vector<double> &got, const std::vector<double> &want)
 {
-    ASSERT_EQ(got.size(), 12u);
-    for(size_t i = 0; i < 12; ++i)
-        EXPECT_NEAR(got[i], want[i], 1e-6) << "element " << i;
+    voltest::expectTransform(got, want, 1e-6);
 }
 
 /// Writes `text` as a file.
@@ -476,7 +461,7 @@ TEST_F(DICOMSeries, ATiltedSeriesGivesItsVoxelToWorldMatrix)
         // the patient's left and back to right and front
         const double step[3] = {2.5 * normal[0] + (sheared ? 0.5 * row[0] : 0),
                                 2.5 * normal[1] + (sheared ? 0.5 * row[1] : 0), 0};
-        expectDicomMatrix(dicomMatrix(image), {-0.64, 0, -step[0], -10,  //
+        expectDicomMatrix(voltest::transformOf(image), {-0.64, 0, -step[0], -10,  //
                                                -0.48, 0, -step[1], -20,  //
                                                0, -0.5, 0, 30});
     }
@@ -484,7 +469,7 @@ TEST_F(DICOMSeries, ATiltedSeriesGivesItsVoxelToWorldMatrix)
     // one slice alone: the normal times its Slice Thickness (1)
     ImagePtr image = load(scratchPath("tilted") + "/0.dcm");
     ASSERT_NE(image, NullFC);
-    expectDicomMatrix(dicomMatrix(image), {-0.64, 0, 0.6, -10, -0.48, 0, -0.8, -20, 0, -0.5, 0, 30});
+    expectDicomMatrix(voltest::transformOf(image), {-0.64, 0, 0.6, -10, -0.48, 0, -0.8, -20, 0, -0.5, 0, 30});
 
     // slices without orientation: ordered by number, the spacing alone
     const std::string plain = folder("unplaced");
@@ -500,7 +485,7 @@ TEST_F(DICOMSeries, ATiltedSeriesGivesItsVoxelToWorldMatrix)
     image = load(plain);
     ASSERT_NE(image, NullFC);
     EXPECT_TRUE(contains(log.take(), "ordered by Instance Number"));
-    expectDicomMatrix(dicomMatrix(image), {0.8, 0, 0, 0, 0, 0.5, 0, 0, 0, 0, 1, 0});
+    expectDicomMatrix(voltest::transformOf(image), {0.8, 0, 0, 0, 0, 0.5, 0, 0, 0, 0, 1, 0});
 }
 
 TEST_F(DICOMSeries, AListOfSliceFilesReadsLikeAFolder)
@@ -531,7 +516,7 @@ TEST_F(DICOMSeries, AListOfSliceFilesReadsLikeAFolder)
         // s2 is not listed: the same missing-slice rule as for a folder
         EXPECT_TRUE(contains(log.take(), "DICOM: uneven slice spacing (from 2 to 4); slices may be "
                                          "missing; taking 2"));
-        expectDicomMatrix(dicomMatrix(image), {-0.8, 0, 0, 0, 0, -0.5, 0, 0, 0, 0, 2, 0});
+        expectDicomMatrix(voltest::transformOf(image), {-0.8, 0, 0, 0, 0, -0.5, 0, 0, 0, 0, 2, 0});
     }
 
     // a second series among the named files: the larger one, with a warning

@@ -11,6 +11,7 @@
 #include "../support/ScratchDir.h"
 #include "../support/TextSupport.h"
 #include "../support/ZlibSupport.h"
+#include "VolumeTransformSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -152,25 +153,10 @@ class NIfTIFile : public ::testing::Test
     std::vector<ImagePtr> _images;
 };
 
-/// The twelve numbers of the image's "Transform", or none.
-std::vector<double> niftiTransform(ImagePtr image)
+/// NIfTI stores its forms as floats.
+void expectNiftiTransform(const std::vector<double> &got, const std::vector<double> &want)
 {
-    std::vector<double> m;
-    const std::string  *text = image->findAttachmentField("Transform");
-    if(text == nullptr)
-        return m;
-    std::istringstream in(*text);
-    double             v;
-    while(in >> v)
-        m.push_back(v);
-    return m;
-}
-
-void expectMatrix(const std::vector<double> &got, const std::vector<double> &want)
-{
-    ASSERT_EQ(got.size(), 12u);
-    for(size_t i = 0; i < 12; ++i)
-        EXPECT_NEAR(got[i], want[i], 1e-5) << "element " << i;
+    voltest::expectTransform(got, want, 1e-5);
 }
 
 template <class T> T niftiVoxel(ImagePtr image, int x, int y, int z)
@@ -595,7 +581,7 @@ TEST_F(NIfTIFile, TheSformQformOrPixdimGiveTheVoxelToWorldMatrix)
             LogCapture log;
             ImagePtr   image = load(path);
             ASSERT_NE(image, NullFC);
-            expectMatrix(niftiTransform(image), c.want);
+            expectNiftiTransform(voltest::transformOf(image), c.want);
             // the voxels keep their order and the spacing stays pixdim's
             EXPECT_EQ(image->getWidth(), 3);
             EXPECT_EQ(*image->findAttachmentField("SliceThickness"), "0.5 0.75 2.5");
@@ -620,11 +606,11 @@ TEST_F(NIfTIFile, TheSformQformOrPixdimGiveTheVoxelToWorldMatrix)
     ASSERT_TRUE(image->write(copy.c_str()));
     ImagePtr back = load(copy);
     ASSERT_NE(back, NullFC);
-    expectMatrix(niftiTransform(back), {0, 0.75, 0, -4, 0.5, 0, 0, 5, 0, 0, -2.5, 6});
+    expectNiftiTransform(voltest::transformOf(back), {0, 0.75, 0, -4, 0.5, 0, 0, 5, 0, 0, -2.5, 6});
 
     std::istringstream in(readNifti(path));
     ImagePtr           streamed = ImageFileHandler::the().read(in, "image/x-nifti");
     ASSERT_NE(streamed, NullFC);
     _images.push_back(streamed);
-    expectMatrix(niftiTransform(streamed), {0, 0.75, 0, -4, 0.5, 0, 0, 5, 0, 0, -2.5, 6});
+    expectNiftiTransform(voltest::transformOf(streamed), {0, 0.75, 0, -4, 0.5, 0, 0, 5, 0, 0, -2.5, 6});
 }
