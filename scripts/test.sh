@@ -9,6 +9,7 @@ scripts/deps.sh
 
 scripts/build.sh build
 (cd build && ctest --output-on-failure -j "$(nproc)")
+cmake --build build --target docs
 # the installed package, used from outside the tree
 scripts/check-install.sh build
 

@@ -9,6 +9,8 @@ class DXTCompressor
 {
   public:
 
+    /// What compressImage makes: Auto picks DXT5 for images with alpha,
+    /// DXT1 for the others.
     // A fixed underlying type keeps other values well defined: they are
     // refused by compressPixels, not undefined behaviour.
     enum CompressedFormat : osg::Int32
@@ -18,6 +20,7 @@ class DXTCompressor
         DXT5 = 2
     };
 
+    /// The one compressor of the process.
     static DXTCompressor &the(void);
 
     /// True if the image's pixel format is one of the four S3TC formats.

@@ -1,17 +1,3 @@
-/// A thin film of fluid running over a textured object, simulated on the
-/// GPU.
-///
-/// The state lives in a float texture laid over the object's texture
-/// space, the surface map: red and green hold the velocity of the fluid in
-/// map coordinates, blue its volume. The object enters once, by rendering
-/// its (noise-perturbed) normals and tangents into two more maps. Each time
-/// step is two full-screen passes: the velocity pass turns the external
-/// force into acceleration along the surface and applies friction, the
-/// advection pass moves volume to the neighbouring texels. The result is
-/// shown through the display material (see initDropletDisplayMaterial).
-///
-/// The object needs a one-to-one unwrap in texture unit 0 and tangents in
-/// texture unit 1 (DropletUtils::calcTangents).
 #ifndef _DROPLETFLOW_H_
 #define _DROPLETFLOW_H_
 
@@ -27,6 +13,20 @@
 
 class DropletPlacer;
 
+/// A thin film of fluid running over a textured object, simulated on the
+/// GPU.
+///
+/// The state lives in a float texture laid over the object's texture
+/// space, the surface map: red and green hold the velocity of the fluid in
+/// map coordinates, blue its volume. The object enters once, by rendering
+/// its (noise-perturbed) normals and tangents into two more maps. Each time
+/// step is two full-screen passes: the velocity pass turns the external
+/// force into acceleration along the surface and applies friction, the
+/// advection pass moves volume to the neighbouring texels. The result is
+/// shown through the display material (see initDropletDisplayMaterial).
+///
+/// The object needs a one-to-one unwrap in texture unit 0 and tangents in
+/// texture unit 1 (DropletUtils::calcTangents).
 class DropletFlow : public Timeable
 {
   public:
@@ -44,6 +44,8 @@ class DropletFlow : public Timeable
                 osg::TextureChunkPtr    texture);
     virtual ~DropletFlow(void);
 
+    /// The timer's tick delay and the simulation's constants: time step,
+    /// fluid density and viscosity, normal and tangential friction.
     void setFlowParams(float tickDelay, float timeStep, float density, float viscosity,
                        float frictionN, float frictionSigma);
     /// The sum of the external forces in world coordinates.
@@ -52,6 +54,7 @@ class DropletFlow : public Timeable
     void setDisplayParams(osg::Vec4f fluidColor);
     /// Brings the force into the object's coordinates at the next step.
     void updateSceneTransform(void);
+    /// Sets the texel offset and the texture units of every shader.
     void updateShaderTextureParams(void);
 
     /// A new width x height map of random directions. The projected maps
@@ -60,11 +63,19 @@ class DropletFlow : public Timeable
     /// Renders the object's normals and tangents, tilted by up to angle
     /// radians by the noise, into the normal and tangent maps.
     void updateProjectedMaps(float angle);
+    /// Renders the object's unwrap with `shader` into `target`, cleared to
+    /// clearColor first.
     void updateProjectedMap(osg::SHLChunkPtr     shader,
                             osg::TextureChunkPtr target,
                             osg::Color3f         clearColor);
 
+    /// Adds chunks to the material: matMode 0 the surface map alone (the
+    /// application shows it), 1 the overlay display shader, 2 and up the
+    /// diffuse display shader with colours and back-face culling; below 0
+    /// nothing.
     void                 initDropletDisplayMaterial(int matMode);
+    /// A width x height texture chunk of that internal format, linearly
+    /// filtered, without texels.
     osg::TextureChunkPtr createTexture(int internalFormat);
 
     /// Runs the timer: at most one step per call.
@@ -76,6 +87,9 @@ class DropletFlow : public Timeable
     /// A 5 x 5 plane showing texture, at (x, -10, 10), for inspection.
     osg::NodePtr dbgCreatePlane(osg::TextureChunkPtr texture, float x);
 
+    /// Owned by the simulation; the maps and the viewports come in pairs
+    /// (ping-pong, index taken modulo 2).
+    /// @{
     DropletPlacer *getPlacer(void) const { return _placer; }
     Timer         *getTimer(void) const { return _timer; }
 
@@ -93,6 +107,7 @@ class DropletFlow : public Timeable
     osg::FBOViewportPtr   getFBOViewport(int i) const { return _fboViewport[i & 1]; }
     int                   getWidth(void) const { return _width; }
     int                   getHeight(void) const { return _height; }
+    /// @}
 
   private:
     DropletFlow(const DropletFlow &);

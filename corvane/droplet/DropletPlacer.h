@@ -1,7 +1,3 @@
-/// Adds fluid to the droplet simulation: draws one textured quad per
-/// droplet source additively into a surface map, so that the map's blue
-/// channel (the fluid volume) gains a droplet-shaped bump. The shape is a
-/// spherical cap for the fluid's contact angle, kept in a small texture.
 #ifndef _DROPLETPLACER_H_
 #define _DROPLETPLACER_H_
 
@@ -15,17 +11,22 @@
 /// length of its quad in map units, and the peak it adds to the volume.
 struct DropletSource
 {
+    /// A source at (x, y) with that quad size and volume.
     DropletSource(float x, float y, float size, float volume)
         : x(x), y(y), size(size), volume(volume)
     {
     }
 
-    float x;
-    float y;
-    float size;
-    float volume;
+    float x;      ///< position in the map, 0..1
+    float y;      ///< position in the map, 0..1
+    float size;   ///< edge length of the quad in map units
+    float volume; ///< peak added to the fluid volume
 };
 
+/// Adds fluid to the droplet simulation: draws one textured quad per
+/// droplet source additively into a surface map, so that the map's blue
+/// channel (the fluid volume) gains a droplet-shaped bump. The shape is a
+/// spherical cap for the fluid's contact angle, kept in a small texture.
 class DropletPlacer
 {
   public:
@@ -38,9 +39,12 @@ class DropletPlacer
     explicit DropletPlacer(osg::TextureChunkPtr target);
     ~DropletPlacer(void);
 
+    /// The droplets of the next placement; render adds them to the map.
+    /// @{
     void clear(void);
     void addSource(DropletSource source);
     const std::vector<DropletSource> &getSources(void) const { return _sources; }
+    /// @}
 
     /// Height of the droplet cap at distance radius from its centre (1 is
     /// its foot), for y = -cos(contact angle).
@@ -59,7 +63,9 @@ class DropletPlacer
     /// Adds the sources to the map (see the .cpp for when it rebuilds).
     void render(bool clear);
 
+    /// The droplet shape, ShapeMapSize texels square.
     osg::TextureChunkPtr getShapeMap(void) const { return _shapeMap; }
+    /// The viewport of the placement pass; NullFC before the first scene.
     osg::FBOViewportPtr  getFBOViewport(void) const { return _fboViewport; }
 
   private:

@@ -31,10 +31,15 @@ class DropletUtils
 
     ~DropletUtils(void);
 
+    /// Remembers the window and action of the frame being drawn, which the
+    /// helpers below render with.
     void updateWindowState(osg::WindowPtr window, osg::RenderActionBase *action);
 
+    /// As updateWindowState was last given them.
+    /// @{
     osg::WindowPtr         getWindow(void) const { return _window; }
     osg::RenderActionBase *getAction(void) const { return _action; }
+    /// @}
 
     /// A new shader chunk with the two programs.
     osg::SHLChunkPtr createShader(std::string vertex, std::string fragment);

@@ -1,3 +1,13 @@
+#ifndef _OSGDROPLETFLOWVIEWPORT_H_
+#define _OSGDROPLETFLOWVIEWPORT_H_
+
+#include <OpenSG/OSGDropletFlowViewportBase.h>
+
+class DropletFlow;
+class DropletUtils;
+
+OSG_BEGIN_NAMESPACE
+
 /// The application-facing control panel of the droplet simulation.
 ///
 /// It draws nothing into its window: it is a viewport only so that the
@@ -19,23 +29,16 @@
 /// object and starts the timer; field changes made before are applied from
 /// then on. A change of `textures`, `material` or `surfaceMapSize` rebuilds
 /// the simulation (the fluid is lost).
-#ifndef _OSGDROPLETFLOWVIEWPORT_H_
-#define _OSGDROPLETFLOWVIEWPORT_H_
-
-#include <OpenSG/OSGDropletFlowViewportBase.h>
-
-class DropletFlow;
-class DropletUtils;
-
-OSG_BEGIN_NAMESPACE
-
 class DropletFlowViewport : public DropletFlowViewportBase
 {
   private:
     typedef DropletFlowViewportBase Inherited;
 
   public:
+    /// Notes the edited fields for the next frame, which applies them (and tries a refused
+    /// setup again).
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Logs "Dump <class> NI": the fields are not listed.
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
     /// The frame's heartbeat; see the class comment.
@@ -59,9 +62,11 @@ class DropletFlowViewport : public DropletFlowViewportBase
 
   protected:
     DropletFlowViewport(void);
+    /// Copies the fields; the factory clones the prototype through it.
     DropletFlowViewport(const DropletFlowViewport &source);
     virtual ~DropletFlowViewport(void);
 
+    /// Deletes the simulation with its textures and viewports.
     virtual void onDestroy(void);
 
   private:

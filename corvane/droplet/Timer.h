@@ -1,12 +1,3 @@
-/// Turns a clock value into ticks for a Timeable: the droplet simulation's
-/// only notion of time.
-///
-/// The clock is whatever the owner sets with setCurrentTime (seconds); the
-/// timer never reads a clock of its own. update() counts how many tick
-/// delays have passed since the last counted tick and offers them to the
-/// listener, oldest first; the listener takes as many as it wants, and the
-/// ones it refuses are dropped, so a slow frame loses simulated time
-/// instead of piling up work.
 #ifndef _DROPLETTIMER_H_
 #define _DROPLETTIMER_H_
 
@@ -24,6 +15,15 @@ class Timeable
     virtual bool onTick(Timer *timer, double age, int ticksLeft) = 0;
 };
 
+/// Turns a clock value into ticks for a Timeable: the droplet simulation's
+/// only notion of time.
+///
+/// The clock is whatever the owner sets with setCurrentTime (seconds); the
+/// timer never reads a clock of its own. update() counts how many tick
+/// delays have passed since the last counted tick and offers them to the
+/// listener, oldest first; the listener takes as many as it wants, and the
+/// ones it refuses are dropped, so a slow frame loses simulated time
+/// instead of piling up work.
 class Timer
 {
   public:
@@ -31,13 +31,21 @@ class Timer
     /// (-1) and a tick delay of -1: set the delay before starting it.
     explicit Timer(Timeable *listener);
 
+    /// The owner's clock in seconds; update counts ticks against it.
+    /// @{
     void   setCurrentTime(double time) { _currentTime = time; }
     double getCurrentTime(void) const { return _currentTime; }
+    /// @}
 
+    /// Seconds between ticks.
+    /// @{
     void   setTickDelay(double delay) { _tickDelay = delay; }
     double getTickDelay(void) const { return _tickDelay; }
+    /// @}
 
+    /// The clock value of the last counted tick.
     double getLastTick(void) const { return _lastTick; }
+    /// Whether update offers ticks.
     bool   isActive(void) const { return _active; }
 
     /// Hands one tick to the listener and returns its answer.

@@ -26,6 +26,7 @@ BitVector lensFieldsMask(void)
 void attachLensShader(DisplayFilterForeground *fg, SHLChunkPtr &held, const char *vertex,
                       const char *fragment);
 
+/// Drops the reference attachLensShader took and clears held.
 void releaseLensShader(SHLChunkPtr &held);
 
 OSG_END_NAMESPACE

@@ -1,11 +1,3 @@
-/// A display filter that calibrates colour with a gamma, a matrix and a per-region shading table.
-///
-/// Works in the read-back group "ImprovedColorDisplayFilter": the grabbed
-/// image is texture unit 0 of the group's material, the shading table (a
-/// 3-D texture of width x height positions across the screen and depth
-/// steps along the colour value) unit 1. The fields are read when the
-/// foreground builds the filter; an edit afterwards changes nothing on a
-/// filter already built.
 #ifndef _OSGIMPROVEDCOLORDISPLAYFILTER_H_
 #define _OSGIMPROVEDCOLORDISPLAYFILTER_H_
 
@@ -17,15 +9,28 @@
 
 OSG_BEGIN_NAMESPACE
 
+/// A display filter that calibrates colour with a gamma, a matrix and a per-region shading
+/// table.
+///
+/// Works in the read-back group "ImprovedColorDisplayFilter": the grabbed
+/// image is texture unit 0 of the group's material, the shading table (a
+/// 3-D texture of width x height positions across the screen and depth
+/// steps along the colour value) unit 1. The fields are read when the
+/// foreground builds the filter; an edit afterwards changes nothing on a
+/// filter already built.
 class ImprovedColorDisplayFilter : public ImprovedColorDisplayFilterBase
 {
   private:
     typedef ImprovedColorDisplayFilterBase Inherited;
 
   public:
+    /// Passes the edit on to the base class; no field needs more.
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Logs "Dump <class> NI": the fields are not listed.
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
+    /// Puts the calibration shader and its textures into the read-back
+    /// group "ImprovedColorDisplayFilter" of fg.
     virtual void createFilter(DisplayFilterForeground *fg, Viewport *port);
 
     /// Moves the fields into the table image and the uniforms; nothing
@@ -34,6 +39,7 @@ class ImprovedColorDisplayFilter : public ImprovedColorDisplayFilterBase
 
   protected:
     ImprovedColorDisplayFilter(void);
+    /// Copies the fields; the factory clones the prototype through it.
     ImprovedColorDisplayFilter(const ImprovedColorDisplayFilter &source);
     virtual ~ImprovedColorDisplayFilter(void);
 

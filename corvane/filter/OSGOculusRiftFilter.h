@@ -1,10 +1,3 @@
-/// A display filter that warps one eye's image for the lenses of an Oculus Rift.
-///
-/// Works in the read-back group "ColorDisplayFilter" on coordinates from -1
-/// to 1 around the lens; what the lens would show from outside the image is
-/// black. Chromatic aberration is corrected by a second fragment program,
-/// set only while `chromaAbCorrection` differs from (1, 0, 1, 0). Field
-/// edits after the filter was built update its uniforms (and its program).
 #ifndef _OSGOCULUSRIFTFILTER_H_
 #define _OSGOCULUSRIFTFILTER_H_
 
@@ -15,15 +8,26 @@
 
 OSG_BEGIN_NAMESPACE
 
+/// A display filter that warps one eye's image for the lenses of an Oculus Rift.
+///
+/// Works in the read-back group "ColorDisplayFilter" on coordinates from -1
+/// to 1 around the lens; what the lens would show from outside the image is
+/// black. Chromatic aberration is corrected by a second fragment program,
+/// set only while `chromaAbCorrection` differs from (1, 0, 1, 0). Field
+/// edits after the filter was built update its uniforms (and its program).
 class OculusRiftFilter : public OculusRiftFilterBase
 {
   private:
     typedef OculusRiftFilterBase Inherited;
 
   public:
+    /// Edits of the lens fields update the warp shader's parameters.
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Logs "Dump <class> NI": the fields are not listed.
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
+    /// Puts the lens shader into the read-back group "ColorDisplayFilter"
+    /// of fg, with uniforms from the fields.
     virtual void createFilter(DisplayFilterForeground *fg, Viewport *port);
 
     /// Computes the uniforms from the fields and picks the fragment
@@ -32,6 +36,7 @@ class OculusRiftFilter : public OculusRiftFilterBase
 
   protected:
     OculusRiftFilter(void);
+    /// Copies the fields; the factory clones the prototype through it.
     OculusRiftFilter(const OculusRiftFilter &source);
     virtual ~OculusRiftFilter(void);
 

@@ -21,30 +21,41 @@ class FBOForeground : public FBOForegroundBase
     typedef FBOForegroundBase Inherited;
 
   public:
+    /// Passes the edit on to the base class; no field needs more.
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Logs "Dump <class> NI": the fields are not listed.
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
+    /// One draw as the class comment describes it.
     virtual void draw(DrawActionBase *action, Viewport *port);
 
     /// Creates the framebuffer object once; always true.
     bool initialize(Window *win, UInt32 unused);
     /// Attaches level 0 (slice zoffset of a 3-D texture) of texture glId.
     void setTarget(Window *win, UInt32 glId, GLenum attachment, GLenum target, GLint zoffset);
+    /// Binds the framebuffer object, or the window's own framebuffer again.
+    /// @{
     void bind(Window *win);
     void unbind(Window *win);
+    /// @}
 
     /// GL_MAX_COLOR_ATTACHMENTS_EXT of the current context.
     Int32 getMaxBuffers(void);
 
-    /// Diagnostics for callers; draw uses neither.
+    /// For callers, logging what is missing or incomplete; draw uses
+    /// neither.
+    /// @{
     bool extensionCheck(Window &win);
     bool checkFrameBufferStatus(Window *win);
+    /// @}
 
   protected:
     FBOForeground(void);
+    /// Copies the fields; the factory clones the prototype through it.
     FBOForeground(const FBOForeground &source);
     virtual ~FBOForeground(void);
 
+    /// Leaves the framebuffer object alone: its context may not be current.
     virtual void onDestroy(void);
 
   private:

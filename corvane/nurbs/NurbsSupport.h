@@ -26,8 +26,10 @@ const UInt32 NurbsMaxOrder = 24;
 
 /// Samples GLU may take along one parameter direction of a surface, and
 /// along a visible curve: the bound on what one tessellation allocates.
+/// @{
 const Real32 NurbsMaxSurfaceSamples = 1024.f;
 const Real32 NurbsMaxCurveSamples   = 65536.f;
+/// @}
 
 /// Registers MaterialDrawable's draw and render handlers for the type.
 void nurbsRegisterDrawHandlers(FieldContainerType &type);
@@ -142,6 +144,8 @@ void nurbsReleaseProperty(FieldContainerPtr holder, SField<PropPtrT> &field)
 class NurbsGeometryTarget
 {
   public:
+    /// Takes geo's properties or makes new ones; normals and texture
+    /// coordinates only withShading.
     NurbsGeometryTarget(Geometry *geo, bool withShading);
 
     /// The Geometry masks of what install changes.
@@ -180,6 +184,7 @@ class NurbsTessellationSink
     /// homogeneous points to divide by their w (GLU hands a rational
     /// curve's points on so, a surface's already divided).
     void attach(Geometry *geo, UInt32 *numVertices, bool project);
+    /// Writes nowhere from now on.
     void detach(void);
 
     /// A new primitive of GL type: its type is recorded, the vertex count
@@ -190,8 +195,11 @@ class NurbsTessellationSink
     /// A position and the next running index, counted; only with both
     /// properties.
     void vertex(const GLfloat *v);
+    /// The normal or texture coordinate of the next vertex, appended.
+    /// @{
     void normal(const GLfloat *n);
     void texCoord(const GLfloat *t);
+    /// @}
 
   private:
     MFUInt8  *_types;

@@ -1,10 +1,3 @@
-/// A NURBS curve: drawn through GLU, or a trimming curve of a surface.
-///
-/// A visible curve (controlCurve false) reaches the screen as the surface
-/// does: tessellated once into the inherited Geometry properties (fillGeo),
-/// or evaluated by GLU at draw time, into a display list with dlistCache.
-/// A trimming curve (controlCurve true) lies in a surface's parameter space,
-/// is never drawn, and only feeds GLU when a NurbsTrimmingLoop calls trim.
 #ifndef _OSGNURBSCURVE_H_
 #define _OSGNURBSCURVE_H_
 
@@ -17,6 +10,13 @@ class DrawActionBase;
 class NurbsTessellationSink;
 class Window;
 
+/// A NURBS curve: drawn through GLU, or a trimming curve of a surface.
+///
+/// A visible curve (controlCurve false) reaches the screen as the surface
+/// does: tessellated once into the inherited Geometry properties (fillGeo),
+/// or evaluated by GLU at draw time, into a display list with dlistCache.
+/// A trimming curve (controlCurve true) lies in a surface's parameter space,
+/// is never drawn, and only feeds GLU when a NurbsTrimmingLoop calls trim.
 class NurbsCurve : public NurbsCurveBase
 {
   private:
@@ -29,9 +29,14 @@ class NurbsCurve : public NurbsCurveBase
     /// The GL-object callback, as the surface's.
     void handleGL(Window *win, UInt32 idstatus);
 
+    /// A new control-point property invalidates the parents' volumes; edits of the curve's
+    /// fields mark it for tessellation.
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Logs "Dump <class> NI": the fields are not listed.
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
+    /// Draws the tessellated curve (tessellating first when it is dirty);
+    /// a trimming curve (controlCurve) draws nothing.
     virtual Action::ResultE drawPrimitives(DrawActionBase *action);
 
     /// Hands a trimming curve to renderer, the live GLU renderer of the
@@ -42,6 +47,7 @@ class NurbsCurve : public NurbsCurveBase
 
   protected:
     NurbsCurve(void);
+    /// Copies the fields; the factory clones the prototype through it.
     NurbsCurve(const NurbsCurve &source);
     virtual ~NurbsCurve(void);
 
@@ -60,8 +66,12 @@ class NurbsCurve : public NurbsCurveBase
     /// Hands the curve to GLU; nothing without control points or with
     /// points GLU would read past.
     void renderGeometry(void);
+    /// GLU tessellates into the display list `list`, or into the geometry
+    /// of the drawable.
+    /// @{
     void createDList(UInt32 list);
     void createGeometry(void);
+    /// @}
 
   private:
     friend class FieldContainer;

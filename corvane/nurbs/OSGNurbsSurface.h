@@ -1,11 +1,3 @@
-/// A trimmable NURBS surface tessellated by GLU into geometry or a display list.
-///
-/// With fillGeo (the default) GLU tessellates the surface once into the
-/// Geometry properties it inherits, so it draws, picks and bounds like any
-/// geometry. Without it GLU evaluates the surface at draw time: compiled
-/// into a display list with dlistCache, afresh each frame without. All GLU
-/// work that builds something runs in handleGL, with a context current;
-/// changed only marks the surface dirty.
 #ifndef _OSGNURBSSURFACE_H_
 #define _OSGNURBSSURFACE_H_
 
@@ -18,6 +10,14 @@ class DrawActionBase;
 class NurbsTessellationSink;
 class Window;
 
+/// A trimmable NURBS surface tessellated by GLU into geometry or a display list.
+///
+/// With fillGeo (the default) GLU tessellates the surface once into the
+/// Geometry properties it inherits, so it draws, picks and bounds like any
+/// geometry. Without it GLU evaluates the surface at draw time: compiled
+/// into a display list with dlistCache, afresh each frame without. All GLU
+/// work that builds something runs in handleGL, with a context current;
+/// changed only marks the surface dirty.
 class NurbsSurface : public NurbsSurfaceBase
 {
   private:
@@ -25,21 +25,28 @@ class NurbsSurface : public NurbsSurfaceBase
 
   public:
     /// Counted setters with the parent link, as Geometry's property setters.
+    /// @{
     void setControlPoint(const GeoPositionsPtr &value);
     void setControlTexCoord(const GeoTexCoordsPtr &value);
+    /// @}
 
     /// The GL-object callback: builds the static geometry or the display
     /// list of a dirty surface (initialize, reinitialize, needrefresh);
     /// every other status returns at once.
     void handleGL(Window *win, UInt32 idstatus);
 
+    /// A new control-point property invalidates the parents' volumes; edits of the
+    /// surface's fields mark it for tessellation.
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Logs "Dump <class> NI": the fields are not listed.
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
+    /// Draws the tessellated surface (tessellating first when it is dirty).
     virtual Action::ResultE drawPrimitives(DrawActionBase *action);
 
   protected:
     NurbsSurface(void);
+    /// Copies the fields; the factory clones the prototype through it.
     NurbsSurface(const NurbsSurface &source);
     virtual ~NurbsSurface(void);
 
@@ -58,8 +65,12 @@ class NurbsSurface : public NurbsSurfaceBase
     /// Hands the control nets and the trimming loops to GLU; nothing
     /// without both nets or with nets GLU would read past.
     void renderGeometry(void);
+    /// GLU tessellates into the display list `list`, or into the geometry
+    /// of the drawable.
+    /// @{
     void createDList(UInt32 list);
     void createGeometry(void);
+    /// @}
 
   private:
     friend class FieldContainer;

@@ -1,3 +1,16 @@
+#ifndef _OSGPRIMITIVEDRAWER_H_
+#define _OSGPRIMITIVEDRAWER_H_
+
+#include <OpenSG/OSGPrimitiveDrawerBase.h>
+#include <OpenSG/OSGAction.h>
+#include <OpenSG/OSGSharedLibrary.h>
+
+#include <string>
+
+OSG_BEGIN_NAMESPACE
+
+class DrawActionBase;
+
 /// A drawable whose drawing comes from a plug-in shared library named at
 /// run time.
 ///
@@ -14,31 +27,21 @@
 /// The context that _initialize returns is the first argument of every
 /// other call. Each pair of paramDic (name, value, name, value, ...) goes
 /// to _setParam; a zero result is reported.
-#ifndef _OSGPRIMITIVEDRAWER_H_
-#define _OSGPRIMITIVEDRAWER_H_
-
-#include <OpenSG/OSGPrimitiveDrawerBase.h>
-#include <OpenSG/OSGAction.h>
-#include <OpenSG/OSGSharedLibrary.h>
-
-#include <string>
-
-OSG_BEGIN_NAMESPACE
-
-class DrawActionBase;
-
 class PrimitiveDrawer : public PrimitiveDrawerBase
 {
   private:
     typedef PrimitiveDrawerBase Inherited;
 
   public:
-    // the plug-in's entry points
+    /// Looked up as libName + "_initialize", _drawPrim, _getBBox, _setParam
+    /// and _shutdown; context is what _initialize returned.
+    /// @{
     typedef void *(*InitializeF)(void);
     typedef void (*DrawPrimF)(void *context, DrawActionBase *action);
     typedef void (*GetBBoxF)(void *context, Real32 *min, Real32 *max);
     typedef int (*SetParamF)(void *context, const char *name, const char *value);
     typedef void (*ShutdownF)(void *context);
+    /// @}
 
     /// Calls the plug-in's _drawPrim; warns when it has none.
     virtual Action::ResultE drawPrimitives(DrawActionBase *action);
@@ -56,11 +59,14 @@ class PrimitiveDrawer : public PrimitiveDrawerBase
     /// Whether a library is open now.
     bool isLibraryOpen(void) const { return _library.isOpen(); }
 
+    /// A new libName loads that plug-in; a new paramDic is passed to it.
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Logs "Dump <class> NI": the fields are not listed.
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
   protected:
     PrimitiveDrawer(void);
+    /// Copies the fields; the factory clones the prototype through it.
     PrimitiveDrawer(const PrimitiveDrawer &source);
     virtual ~PrimitiveDrawer(void);
 

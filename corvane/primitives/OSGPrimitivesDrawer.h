@@ -1,7 +1,3 @@
-/// The drawers of SortedPrimitives: they turn the core's vertex arrays into
-/// OpenGL draw calls and, in the passes that refresh the order, rewrite its
-/// element list from the group table. One template, instantiated for
-/// triangle groups and quad groups; process-wide singletons without members.
 #ifndef _OSGPRIMITIVESDRAWER_H_
 #define _OSGPRIMITIVESDRAWER_H_
 
@@ -13,6 +9,10 @@ OSG_BEGIN_NAMESPACE
 class DrawActionBase;
 class SortedPrimitives;
 
+/// The drawers of SortedPrimitives: they turn the core's vertex arrays into
+/// OpenGL draw calls and, in the passes that refresh the order, rewrite its
+/// element list from the group table. One template, instantiated for
+/// triangle groups and quad groups; process-wide singletons without members.
 class PrimitivesDrawerBase
 {
   public:
@@ -32,22 +32,27 @@ class PrimitivesDrawerBase
 /// setValue; a group that is no multiple of three runs on into the next.
 struct GeoTraitTriSet
 {
-    static const GLenum Primitive = GL_TRIANGLES;
+    static const GLenum Primitive = GL_TRIANGLES; ///< what is drawn
 };
 
 /// Quad groups: each group is copied into indices in one block.
 struct GeoTraitQuadSet
 {
-    static const GLenum Primitive = GL_QUADS;
+    static const GLenum Primitive = GL_QUADS; ///< what is drawn
 };
 
 /// The client-array state that both drawers set up and take down.
 struct SortedPrimitivesTraits
 {
+    /// Enables the arrays of the core's properties (flag records which)
+    /// and disables them again.
+    /// @{
     static void init(SortedPrimitives *prims, DrawActionBase *action, unsigned char &flag);
     static void exit(SortedPrimitives *prims, DrawActionBase *action, unsigned char &flag);
+    /// @}
 };
 
+/// The drawer of one group shape (GeoTraitTriSet or GeoTraitQuadSet).
 template <class TraitT>
 class PrimitivesDrawer : public PrimitivesDrawerBase
 {

@@ -1,13 +1,3 @@
-/// A cloud of small primitive groups that re-orders itself by distance to
-/// the viewer, so that blended groups come out back to front.
-///
-/// The vertex data of all groups lies in shared properties; each group has
-/// one reference point and a span of indexArray (offsetArray[g] up to
-/// offsetArray[g + 1]). Every fourth render pass the core sorts the groups
-/// by their distance to the viewer, sorts the nearest part of that list a
-/// second time by height, and the drawer writes their indices into the
-/// indices property in that order, leaving out the farthest lowerBound
-/// fraction. The other three passes draw indices as it stands.
 #ifndef _OSGSORTEDPRIMITIVES_H_
 #define _OSGSORTEDPRIMITIVES_H_
 
@@ -24,9 +14,21 @@ class PrimitivesDrawerBase;
 
 /// The library-wide render-parameter word, 0 at start. Bit 0 set: sorted
 /// primitives draw without re-ordering. The other bits are the application's.
+/// @{
 void   setRenderParams(UInt32 params);
 UInt32 getRenderParams(void);
+/// @}
 
+/// A cloud of small primitive groups that re-orders itself by distance to
+/// the viewer, so that blended groups come out back to front.
+///
+/// The vertex data of all groups lies in shared properties; each group has
+/// one reference point and a span of indexArray (offsetArray[g] up to
+/// offsetArray[g + 1]). Every fourth render pass the core sorts the groups
+/// by their distance to the viewer, sorts the nearest part of that list a
+/// second time by height, and the drawer writes their indices into the
+/// indices property in that order, leaving out the farthest lowerBound
+/// fraction. The other three passes draw indices as it stands.
 class SortedPrimitives : public SortedPrimitivesBase
 {
   private:
@@ -46,12 +48,14 @@ class SortedPrimitives : public SortedPrimitivesBase
         static bool compareFunc(const Sorter &a, const Sorter &b) { return a.height < b.height; }
     };
 
-    // ids of the extensions and functions the drawers use, registered by the
-    // first instance and shared by all
+    /// Ids of the extensions and functions the drawers use, registered by
+    /// the first instance and shared by all.
+    /// @{
     static UInt32 _arbMultitexture;
     static UInt32 _extDrawRangeElements;
     static UInt32 _funcClientActiveTextureARB;
     static UInt32 _funcDrawRangeElementsEXT;
+    /// @}
 
     /// Refreshes the order in one pass of four, otherwise draws indices as
     /// it stands. Always continues.
@@ -73,10 +77,13 @@ class SortedPrimitives : public SortedPrimitivesBase
     /// Copies array into indexArray and sizes indices (made as a
     /// GeoIndicesUI32 if there is none) to match.
     void setIndexArray(const std::vector<int> *array);
+    /// Copies array into offsetArray: group g spans indexArray from
+    /// offsetArray[g] up to offsetArray[g + 1].
     void setOffsetArray(const std::vector<int> *array);
 
-    // property setters: counted, with the parent link, as Geometry's; the
-    // caller brackets them with the field's mask
+    /// Counted setters with the parent link, as Geometry's; the caller
+    /// brackets them with the field's mask.
+    /// @{
     void setRefPoints(const GeoPositionsPtr &value);
     void setPositions(const GeoPositionsPtr &value);
     void setColors(const GeoColorsPtr &value);
@@ -84,12 +91,17 @@ class SortedPrimitives : public SortedPrimitivesBase
     void setTangents(const GeoNormalsPtr &value);
     void setTexCoords(const GeoTexCoordsPtr &value);
     void setIndices(const GeoIndicesPtr &value);
+    /// @}
 
+    /// New reference points invalidate the parents' volumes; edited properties are checked
+    /// and the drawer is rebuilt as needed.
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Logs "Dump <class> NI": the fields are not listed.
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
   protected:
     SortedPrimitives(void);
+    /// Copies the fields; the factory clones the prototype through it.
     SortedPrimitives(const SortedPrimitives &source);
     virtual ~SortedPrimitives(void);
 

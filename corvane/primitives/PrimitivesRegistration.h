@@ -13,6 +13,8 @@
 
 OSG_BEGIN_NAMESPACE
 
+/// Registers MaterialDrawable's draw and render handlers for the type, and
+/// `intersect` as its intersect handler.
 template <class CorePtrT, class CoreT>
 void registerPrimitivesHandlers(const FieldContainerType &type,
                                 Action::ResultE (CoreT::*intersect)(Action *))

@@ -1,4 +1,3 @@
-/// A group core that masks its children per action and records the last pick.
 #ifndef _OSGLAYER_H_
 #define _OSGLAYER_H_
 
@@ -7,6 +6,7 @@
 
 OSG_BEGIN_NAMESPACE
 
+/// A group core that masks its children per action and records the last pick.
 class Layer : public LayerBase
 {
   private:
@@ -21,11 +21,14 @@ class Layer : public LayerBase
     /// Records the ray parameter of the hit so far in hit, -1 without one.
     Action::ResultE intersectLeave(Action *action);
 
+    /// Passes the edit on to the base class; no field needs more.
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Logs "Dump <class> NI": the fields are not listed.
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
   protected:
     Layer(void);
+    /// Copies the fields; the factory clones the prototype through it.
     Layer(const Layer &source);
     virtual ~Layer(void);
 

@@ -1,4 +1,3 @@
-/// A group core that plays a list of cores as if they sat on one node.
 #ifndef _OSGMULTICORE_H_
 #define _OSGMULTICORE_H_
 
@@ -8,6 +7,7 @@
 
 OSG_BEGIN_NAMESPACE
 
+/// A group core that plays a list of cores as if they sat on one node.
 class MultiCore : public MultiCoreBase
 {
   private:
@@ -18,6 +18,8 @@ class MultiCore : public MultiCoreBase
     // with beginEditCP/endEditCP on CoresFieldMask. Each entry holds a
     // reference; NullFC arguments are ignored.
 
+    /// Appends core (the caller holds the edit of CoresFieldMask, as for
+    /// every list operation; NullFC is ignored).
     void addCore(const NodeCorePtr &core);
     /// Inserts before index; an index past the end appends.
     void insertCore(UInt32 index, const NodeCorePtr &core);
@@ -39,23 +41,34 @@ class MultiCore : public MultiCoreBase
     // leave from last to first; a core that skips ends the playing, not
     // the traversal of the children.
 
+    /// Play the cores' functors: enter from first to last, leave from last
+    /// to first; a core that skips ends the playing, not the traversal of
+    /// the children.
+    /// @{
     Action::ResultE drawEnter(Action *action);
     Action::ResultE drawLeave(Action *action);
     Action::ResultE renderEnter(Action *action);
     Action::ResultE renderLeave(Action *action);
+    /// @}
 
     // Picking doesn't play the cores: the children are tested as they are.
 
+    /// The cores are not played: the children are tested as they are.
+    /// @{
     Action::ResultE intersectEnter(Action *action);
     Action::ResultE intersectLeave(Action *action);
     NewActionTypes::ResultE intersectActorEnter(ActorBase::FunctorArgumentType &funcArg);
     NewActionTypes::ResultE intersectActorLeave(ActorBase::FunctorArgumentType &funcArg);
+    /// @}
 
+    /// An edit of the core list invalidates the volume.
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Logs "Dump <class> NI": the fields are not listed.
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
   protected:
     MultiCore(void);
+    /// Copies the fields; the factory clones the prototype through it.
     MultiCore(const MultiCore &source);
     virtual ~MultiCore(void);
 

@@ -1,4 +1,3 @@
-/// A background that clears the viewport and draws a textured sky sphere around the viewer.
 #ifndef _OSGSKYDOMEBACKGROUND_H_
 #define _OSGSKYDOMEBACKGROUND_H_
 
@@ -6,13 +5,16 @@
 
 OSG_BEGIN_NAMESPACE
 
+/// A background that clears the viewport and draws a textured sky sphere around the viewer.
 class SkydomeBackground : public SkydomeBackgroundBase
 {
   private:
     typedef SkydomeBackgroundBase Inherited;
 
   public:
+    /// A new latlongTexture gets a material of its own, which replaces the one made before.
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Logs "Dump <class> NI": the fields are not listed.
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
     /// Clears colour, depth and stencil, draws the sphere with material
@@ -22,6 +24,7 @@ class SkydomeBackground : public SkydomeBackgroundBase
 
   protected:
     SkydomeBackground(void);
+    /// Copies the fields; the factory clones the prototype through it.
     SkydomeBackground(const SkydomeBackground &source);
     virtual ~SkydomeBackground(void);
 

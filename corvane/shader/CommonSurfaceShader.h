@@ -52,8 +52,12 @@ class CommonSurfaceShader
   public:
     /// "#version 120", the prefix of both programs.
     static const char *getProgramPrefix(void);
+    /// The texts of the permutation shader, after the prefix; the fragment
+    /// program reads the material's parameters as uniforms.
+    /// @{
     static const char *getVertexProgram(void);
     static const char *getFragmentProgram(void);
+    /// @}
 
     /// The material's shader chunk, made and added to its chunks on the
     /// first call, with the material's current fields. A see-through

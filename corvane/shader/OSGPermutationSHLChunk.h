@@ -1,3 +1,17 @@
+#ifndef _OSGPERMUTATIONSHLCHUNK_H_
+#define _OSGPERMUTATIONSHLCHUNK_H_
+
+#include <OpenSG/OSGPermutationSHLChunkBase.h>
+#include <OpenSG/OSGShaderParameterAccess.h>
+
+#include <map>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+OSG_BEGIN_NAMESPACE
+
 /// A shader chunk that stands where an SHLChunk would stand but never runs
 /// programs of its own: its vertex, fragment and geometry programs are
 /// templates, compiled once per render state into plain SHLChunks (the
@@ -26,27 +40,16 @@
 /// away; a change of a permutation parameter's value just leads to another
 /// cache entry. Each cache holds at most 128 entries before it is emptied
 /// at once.
-#ifndef _OSGPERMUTATIONSHLCHUNK_H_
-#define _OSGPERMUTATIONSHLCHUNK_H_
-
-#include <OpenSG/OSGPermutationSHLChunkBase.h>
-#include <OpenSG/OSGShaderParameterAccess.h>
-
-#include <map>
-#include <sstream>
-#include <string>
-#include <utility>
-#include <vector>
-
-OSG_BEGIN_NAMESPACE
-
 class PermutationSHLChunk : public PermutationSHLChunkBase
 {
   private:
     typedef PermutationSHLChunkBase Inherited;
 
   public:
+    /// Edits of the program texts or prefixes drop the compiled permutations; edited
+    /// parameters reach every permutation at its next activation.
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Logs "Dump <class> NI": the fields are not listed.
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
     // --- state chunk ------------------------------------------------------------
@@ -59,24 +62,32 @@ class PermutationSHLChunk : public PermutationSHLChunkBase
     /// Deactivates old (which must be a PermutationSHLChunk) and activates
     /// this one; with any other old chunk only a warning.
     virtual void changeFrom(DrawActionBase *action, StateChunk *old, UInt32 index = 0);
+    /// Deactivates the permutation that activate chose.
     virtual void deactivate(DrawActionBase *action, UInt32 index = 0);
 
     /// The isTransparent field.
     virtual bool isTransparent(void) const;
+    /// 0: switching is not weighed.
     virtual Real32 switchCost(StateChunk *chunk);
 
+    /// By identity (address).
+    /// @{
     virtual bool operator<(const StateChunk &other) const;
-    /// Identity.
     virtual bool operator==(const StateChunk &other) const;
     virtual bool operator!=(const StateChunk &other) const;
+    /// @}
 
     // --- permutation parameters --------------------------------------------------
     // Name-based access to permutationParameters. set adds a string
     // parameter for an unknown name. None of them edits the chunk.
 
+    /// String parameters of permutationParameters; set adds one for an
+    /// unknown name, get and sub are false for one.
+    /// @{
     bool setPermutationParameter(const char *name, const std::string &value);
     bool getPermutationParameter(const char *name, std::string &value);
     bool subPermutationParameter(const char *name);
+    /// @}
     /// Drops every permutation parameter.
     void clearPermutationParameters(void);
 

@@ -1,3 +1,11 @@
+#ifndef _BVGEOMETRY_H_
+#define _BVGEOMETRY_H_
+
+#include <OpenSG/OSGImage.h>
+#include <OpenSG/OSGNode.h>
+
+class VolumeData;
+
 /// The proxy geometry of the ray caster: the surface whose front and back
 /// faces, drawn into position textures, give each ray its entry and exit
 /// point.
@@ -13,14 +21,6 @@
 /// follows the block grid of the volume and emits only the faces between a
 /// block that is visited and one that is not, so rays start and stop at the
 /// visible region.
-#ifndef _BVGEOMETRY_H_
-#define _BVGEOMETRY_H_
-
-#include <OpenSG/OSGImage.h>
-#include <OpenSG/OSGNode.h>
-
-class VolumeData;
-
 class BVGeometry
 {
   public:
@@ -49,6 +49,7 @@ class BVGeometry
     /// Stores node (which holds a Geometry core) with one reference.
     void setBoundingGeometry(const osg::NodePtr &node);
 
+    /// The proxy's node (a reference held).
     osg::NodePtr _boundingGeometry;
 
   private:

@@ -20,8 +20,13 @@ class BitVolume
     /// with a warning, when either image is missing.
     bool calcBitVolumen(const osg::ImagePtr &blockImage, const osg::ImagePtr &saImage);
 
+    /// One byte a block, 255 where the block holds anything visible, as an
+    /// image and as the texture the traversal reads; NullFC before the
+    /// first calcBitVolumen.
+    /// @{
     osg::ImagePtr getBitVolumeImage(void) const { return _bitVolumeImage; }
     osg::TextureChunkPtr getBitVolumeTexture(void) const { return _bitVolumeTexture; }
+    /// @}
 
   private:
     BitVolume &operator=(const BitVolume &source);

@@ -1,6 +1,3 @@
-/// The min/max grid of a volume for empty-space skipping: one cell for each
-/// block of voxels, holding the smallest and the largest value of the block
-/// and of the voxels that border it.
 #ifndef _BLOCKVOLUME_H_
 #define _BLOCKVOLUME_H_
 
@@ -8,6 +5,9 @@
 
 class VolumeData;
 
+/// The min/max grid of a volume for empty-space skipping: one cell for each
+/// block of voxels, holding the smallest and the largest value of the block
+/// and of the voxels that border it.
 class BlockVolume
 {
   public:
@@ -22,6 +22,8 @@ class BlockVolume
     /// False, with a warning, when the volume has no image.
     bool calcBlockVolumen(VolumeData &volume, int blockSize);
 
+    /// The (min, max) grid as a texture; NullFC before the first
+    /// calcBlockVolumen.
     osg::TextureChunkPtr getBlockVolumeTexture(void) const { return _blockVolumeTexture; }
 
     /// The grid's image, NullFC before the first calcBlockVolumen.

@@ -1,10 +1,3 @@
-/// The group core that puts a ray-cast volume into the scene.
-///
-/// It holds the voxels, the choice of each ray-casting strategy as a small
-/// number, and the shading styles, and owns one VolumeNodeHandler that
-/// assembles the shader. VolumeViewport drives it: createVolume builds the
-/// handler, initVolume brings it in step with edited fields, attachVolume
-/// hangs the handler's ray-caster node under this core's node.
 #ifndef _OSGVOLUMENODE_H_
 #define _OSGVOLUMENODE_H_
 
@@ -15,13 +8,23 @@ class VolumeNodeHandler;
 
 OSG_BEGIN_NAMESPACE
 
+/// The group core that puts a ray-cast volume into the scene.
+///
+/// It holds the voxels, the choice of each ray-casting strategy as a small
+/// number, and the shading styles, and owns one VolumeNodeHandler that
+/// assembles the shader. VolumeViewport drives it: createVolume builds the
+/// handler, initVolume brings it in step with edited fields, attachVolume
+/// hangs the handler's ray-caster node under this core's node.
 class VolumeNode : public VolumeNodeBase
 {
   private:
     typedef VolumeNodeBase Inherited;
 
   public:
+    /// New voxels, swapped or sliceThickness load the volume again; every edit is applied
+    /// to the strategies at the next initVolume.
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Logs "Dump <class> NI": the fields are not listed.
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
     /// Builds a new handler from voxels with the default strategies; the
@@ -36,16 +39,23 @@ class VolumeNode : public VolumeNodeBase
     /// core.
     bool attachVolume(void);
 
+    /// The handler; NULL before the first createVolume.
     VolumeNodeHandler *getVolume(void) const { return _volume; }
     /// Takes ownership; deletes the handler it replaces.
     void setVolume(VolumeNodeHandler *volume);
 
+    /// The handlers registered for the render and intersect actions: the
+    /// core draws nothing itself (the ray-caster node below it does), and
+    /// rays pass through it.
+    /// @{
     Action::ResultE renderEnter(Action *action);
     Action::ResultE renderLeave(Action *action);
     Action::ResultE intersect(Action *action);
+    /// @}
 
   protected:
     VolumeNode(void);
+    /// Copies the fields; the factory clones the prototype through it.
     VolumeNode(const VolumeNode &source);
     virtual ~VolumeNode(void);
 

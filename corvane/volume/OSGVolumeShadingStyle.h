@@ -1,4 +1,3 @@
-/// Shading parameters of a volume, turned into a shading strategy by its subclasses.
 #ifndef _OSGVOLUMESHADINGSTYLE_H_
 #define _OSGVOLUMESHADINGSTYLE_H_
 
@@ -9,19 +8,24 @@ class VolumeNodeHandler;
 
 OSG_BEGIN_NAMESPACE
 
+/// Shading parameters of a volume, turned into a shading strategy by its subclasses.
 class VolumeShadingStyle : public VolumeShadingStyleBase
 {
   private:
     typedef VolumeShadingStyleBase Inherited;
 
   public:
+    /// Notes the edited fields; the volume's next initVolume applies them.
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Logs "Dump <class> NI": the fields are not listed.
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
     /// The strategy the style made last; not owned (the handler owns it),
     /// and it may be gone once the handler has replaced it.
+    /// @{
     virtual void              setShadingFunction(ShadingFunctions *shadingFunction);
     virtual ShadingFunctions *getShadingFunction(void);
+    /// @}
     /// Turns the fields into the handler's shading strategy and uniforms;
     /// nothing in this base class.
     virtual void paramShading(VolumeNodeHandler *handler);
@@ -31,6 +35,7 @@ class VolumeShadingStyle : public VolumeShadingStyleBase
 
   protected:
     VolumeShadingStyle(void);
+    /// Copies the fields; the factory clones the prototype through it.
     VolumeShadingStyle(const VolumeShadingStyle &source);
     virtual ~VolumeShadingStyle(void);
 
@@ -43,8 +48,8 @@ class VolumeShadingStyle : public VolumeShadingStyleBase
     void operator=(const VolumeShadingStyle &source);
 
   protected:
-    ShadingFunctions *_shadingFunction;
-    BitVector         _changedFields;
+    ShadingFunctions *_shadingFunction; ///< see getShadingFunction
+    BitVector         _changedFields;   ///< see hasChanged
 };
 
 typedef VolumeShadingStyle *VolumeShadingStyleP;

@@ -1,7 +1,3 @@
-/// A viewport that draws nothing to the screen: standing ahead of the
-/// ordinary viewport, it renders the scene's colour and depth and the ray
-/// start and direction images of its volume nodes into textures, which the
-/// ray-caster quad in the scene then reads.
 #ifndef _OSGVOLUMEVIEWPORT_H_
 #define _OSGVOLUMEVIEWPORT_H_
 
@@ -17,15 +13,23 @@ OSG_BEGIN_NAMESPACE
 class RenderAction;
 class VolumeNode;
 
+/// A viewport that draws nothing to the screen: standing ahead of the
+/// ordinary viewport, it renders the scene's colour and depth and the ray
+/// start and direction images of its volume nodes into textures, which the
+/// ray-caster quad in the scene then reads.
 class VolumeViewport : public VolumeViewportBase
 {
   private:
     typedef VolumeViewportBase Inherited;
 
   public:
+    /// Notes the edited fields; the next frame applies them.
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Logs "Dump <class> NI": the fields are not listed.
     virtual void dump(UInt32 uiIndent = 0, const BitVector bvFlags = 0) const;
 
+    /// One frame: initialize on the first, then renderVolumes; draws
+    /// nothing into the window itself.
     virtual void render(RenderActionBase *action);
 
     /// Builds the handlers, textures and render targets; true when every
@@ -42,6 +46,7 @@ class VolumeViewport : public VolumeViewportBase
 
   protected:
     VolumeViewport(void);
+    /// Copies the fields; the factory clones the prototype through it.
     VolumeViewport(const VolumeViewport &source);
     virtual ~VolumeViewport(void);
 

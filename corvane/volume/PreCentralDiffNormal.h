@@ -37,6 +37,7 @@ class PreCentralDiffNormal : public NormalVolume
     /// holds an image of the volume's size.
     void init(VolumeData *volumeData) override;
 
+    /// The normals texture; NullFC before init.
     osg::TextureChunkPtr getNormalsTextureChunk(void) const { return _normalsTexture; }
 
     /// Differentiates inImage (one byte a voxel; anything else is reduced

@@ -14,7 +14,9 @@
 class PreintTransferFunction : public Transferfunction
 {
   public:
+    /// As Transferfunction's, without a pre-integration table yet.
     explicit PreintTransferFunction(bool unused = false);
+    /// As Transferfunction's copy: nothing carried over.
     PreintTransferFunction(const PreintTransferFunction &source);
     virtual ~PreintTransferFunction(void);
 
@@ -43,6 +45,7 @@ class PreintTransferFunction : public Transferfunction
     /// builds nothing and succeeds.
     bool calcPreIntTable(osg::ImagePtr transferFunction);
 
+    /// The pre-integration table; NullFC before calcPreIntTable.
     osg::TextureChunkPtr getPreIntTable(void) const { return _preIntTable; }
 
     /// 8-bit volumes: one lookup of the pair (current, previous).

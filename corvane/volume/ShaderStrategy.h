@@ -1,5 +1,3 @@
-/// What every strategy of the ray caster offers: a group of GLSL functions
-/// for the concatenated shader, and the binding of what they read.
 #ifndef _SHADERSTRATEGY_H_
 #define _SHADERSTRATEGY_H_
 
@@ -10,6 +8,8 @@
 
 class VolumeData;
 
+/// What every strategy of the ray caster offers: a group of GLSL functions
+/// for the concatenated shader, and the binding of what they read.
 class ShaderStrategy
 {
   public:
@@ -25,6 +25,8 @@ class ShaderStrategy
                                       int                   &textureUnit,
                                       VolumeData            *volumeData) = 0;
 
+    /// Prepares what the strategy needs from the volume (textures, tables);
+    /// nothing by default.
     virtual void init(VolumeData *) {}
 };
 

@@ -1,5 +1,3 @@
-/// The shading strategy of the ray caster: what one sample does to the
-/// colour of its ray (doShading).
 #ifndef _SHADINGFUNCTIONS_H_
 #define _SHADINGFUNCTIONS_H_
 
@@ -8,6 +6,8 @@
 
 #include <string>
 
+/// The shading strategy of the ray caster: what one sample does to the
+/// colour of its ray (doShading).
 class ShadingFunctions : public ShaderStrategy
 {
 };
@@ -42,10 +42,10 @@ class DVRShadingBase : public ShadingFunctions
                               int                   &textureUnit,
                               VolumeData            *volumeData) override;
 
-    bool  _gradientOpacity;
-    float kgc;
-    float kgs;
-    float kge;
+    bool  _gradientOpacity; ///< scale opacity by the gradient (set before the text is built)
+    float kgc; ///< constant term of the gradient opacity
+    float kgs; ///< factor of the gradient term
+    float kge; ///< exponent of the gradient's magnitude
 
   protected:
     /// The four lines that scale opacity by the gradient's magnitude, or
@@ -53,6 +53,8 @@ class DVRShadingBase : public ShadingFunctions
     std::string gradientOpacityText(void) const;
 };
 
+/// Direct volume rendering without lighting: the classified colour of each
+/// sample, composited front to back.
 class DVRShading : public DVRShadingBase
 {
   public:
@@ -72,10 +74,13 @@ class DVRShadingAndLighting : public DVRShadingBase
                               int                   &textureUnit,
                               VolumeData            *volumeData) override;
 
+    /// The colours of the Blinn-Phong term, uniforms of the same names.
+    /// @{
     osg::Vec3f emissiveColor;
     osg::Vec3f diffuseColor;
     osg::Vec3f specularColor;
-    float      exponent;
+    /// @}
+    float      exponent; ///< kept, but the shader's exponent uniform is always 25
 };
 
 #endif

@@ -8,7 +8,9 @@
 class SimpleTransferfunction : public Transferfunction
 {
   public:
+    /// As Transferfunction's.
     explicit SimpleTransferfunction(bool unused = false);
+    /// As Transferfunction's copy: nothing carried over.
     SimpleTransferfunction(const SimpleTransferfunction &source);
     virtual ~SimpleTransferfunction(void);
 

@@ -20,7 +20,9 @@
 class TransferTables
 {
   public:
+    /// As Transferfunction::AlphaPoints.
     typedef std::list<std::pair<float, float> >      AlphaPoints;
+    /// As Transferfunction::ColorPoints.
     typedef std::list<std::pair<float, FloatColor> > ColorPoints;
 
     /// Bakes opacity points into the fourth channel of the first `texels`
@@ -47,6 +49,7 @@ class TransferTables
 
     /// sum[k] = opacity of texels 0 to k, the opacity of a byte table taken
     /// as 0 to 255, that of a half table as 0 to 1.
+    /// @{
     static void prefixSumBytes(const osg::UInt8 *table,
                                osg::UInt64       tableBytes,
                                osg::UInt32       texels,
@@ -55,6 +58,7 @@ class TransferTables
                                 osg::UInt64       tableBytes,
                                 osg::UInt32       texels,
                                 osg::Real32      *sum);
+    /// @}
 
     /// out[y * n + x] = the largest opacity byte of texels x to y for
     /// x <= y, 0 above the diagonal. The table is read as four bytes a

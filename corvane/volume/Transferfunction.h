@@ -1,3 +1,18 @@
+#ifndef _TRANSFERFUNCTION_H_
+#define _TRANSFERFUNCTION_H_
+
+#include <OpenSG/FloatColor.h>
+#include <OpenSG/OSGChunkMaterial.h>
+#include <OpenSG/OSGSHLChunk.h>
+#include <OpenSG/OSGTextureChunk.h>
+
+#include <iosfwd>
+#include <list>
+#include <string>
+#include <utility>
+
+class VolumeData;
+
 /// The classification strategy of the ray caster: maps voxel values to
 /// colour and opacity.
 ///
@@ -14,25 +29,12 @@
 /// The file is plain text, numbers separated by white space: the number of
 /// opacity points, each as "position opacity", the number of colour
 /// points, each as "position red green blue".
-#ifndef _TRANSFERFUNCTION_H_
-#define _TRANSFERFUNCTION_H_
-
-#include <OpenSG/FloatColor.h>
-#include <OpenSG/OSGChunkMaterial.h>
-#include <OpenSG/OSGSHLChunk.h>
-#include <OpenSG/OSGTextureChunk.h>
-
-#include <iosfwd>
-#include <list>
-#include <string>
-#include <utility>
-
-class VolumeData;
-
 class Transferfunction
 {
   public:
+    /// Opacity control points: (position 0..1, opacity 0..1).
     typedef std::list<std::pair<float, float> >      AlphaPoints;
+    /// Colour control points: (position 0..1, colour).
     typedef std::list<std::pair<float, FloatColor> > ColorPoints;
 
     /// The flag is not used. Opacity points (0, 0), (1, 1), colour points
@@ -69,20 +71,26 @@ class Transferfunction
 
     // --- tables ----------------------------------------------------------------------
 
+    /// The table: 256 RGBA texels for mode 0, 256 x 256 for mode 1.
     osg::TextureChunkPtr getTFTextureChunk(void) const { return _tfTexture; }
     /// The prefix sum of opacity ("summed area table").
     osg::TextureChunkPtr getSATextureChunk(void) const { return _saTexture; }
     /// The dependent table: the largest opacity over each range of values.
     osg::TextureChunkPtr getDTTextureChunk(void) const { return _dtTexture; }
+    /// A checker texture for showing the table; NullFC unless a subclass
+    /// makes one.
     osg::TextureChunkPtr getCheckerTC(void) const { return _checkerTC; }
 
+    /// 0 for 8-bit, 1 for 16-bit volumes.
     osg::Int32 getMode(void) const { return _mode; }
     /// 0 for 8-bit, 1 for 16-bit volumes; takes effect at the next bake.
     void setMode(osg::Int32 mode) { _mode = mode; }
 
     /// What the last bakes were given.
+    /// @{
     const AlphaPoints &getAlphaValues(void) const { return _alphaValues; }
     const ColorPoints &getColorValues(void) const { return _colorValues; }
+    /// @}
 
     /// Adopts a ready table: sets its wrap, format and filters and holds
     /// it. False for a null chunk.
@@ -100,8 +108,10 @@ class Transferfunction
     /// Bake a list into the opacity or the colour channels of an image made
     /// for the current mode, and keep a copy of it as the current list. An
     /// empty list leaves the channels as they are.
+    /// @{
     void setAlphaValues(osg::ImagePtr &image, const AlphaPoints &points);
     void setColorValues(osg::ImagePtr &image, const ColorPoints &points);
+    /// @}
 
     /// The running sum of the table's opacity, into the prefix-sum texture.
     bool calcSummedAreaTable(void);
@@ -149,6 +159,9 @@ class Transferfunction
     /// compositeColor, the same in the text of every transfer function.
     static const char *const _compositeShader;
 
+    /// The mode, the table and its two derived textures, the checker
+    /// texture, and the control points of the last bakes (see the getters).
+    /// @{
     osg::Int32           _mode;
     osg::TextureChunkPtr _tfTexture;
     osg::TextureChunkPtr _saTexture;
@@ -156,6 +169,7 @@ class Transferfunction
     osg::TextureChunkPtr _checkerTC;
     AlphaPoints          _alphaValues;
     ColorPoints          _colorValues;
+    /// @}
 
   private:
     Transferfunction &operator=(const Transferfunction &source);

@@ -1,3 +1,14 @@
+#ifndef _VOLUMEDATA_H_
+#define _VOLUMEDATA_H_
+
+#include <OpenSG/OSGTextureChunk.h>
+#include <OpenSG/OSGVector.h>
+
+#include <string>
+
+class BlockVolume;
+class BitVolume;
+
 /// One loaded scalar volume: the 3-D texture whose image holds the voxels,
 /// the slice thickness, the extent in world units, and the block and bit
 /// grids that empty-space skipping builds from it.
@@ -11,17 +22,6 @@
 ///
 /// Progress of a load goes to standard output; failures are a false result
 /// and a warning in the log.
-#ifndef _VOLUMEDATA_H_
-#define _VOLUMEDATA_H_
-
-#include <OpenSG/OSGTextureChunk.h>
-#include <OpenSG/OSGVector.h>
-
-#include <string>
-
-class BlockVolume;
-class BitVolume;
-
 class VolumeData
 {
   public:
@@ -50,20 +50,28 @@ class VolumeData
     /// Recomputes the extent from the image's edges and the thickness.
     void calcVolumeSize(void);
 
+    /// The 3-D texture of the voxels; NullFC before a load.
     osg::TextureChunkPtr getVolumeTextureChunk(void) const { return _volumeTexture; }
 
     /// The volume's image, NullFC without chunk or image.
     osg::ImagePtr getVolumeImage(void) const;
 
+    /// The extent in world units.
     const osg::Vec3f &getVolumeSize(void) const { return _volumeSize; }
+    /// The voxel spacing, x y z, from the image's "SliceThickness".
     const osg::Vec3f &getSliceThickness(void) const { return _sliceThickness; }
 
+    /// The grids of empty-space skipping; NULL until they are built.
+    /// @{
     BitVolume   *getBitVolume(void) const { return _bitVolume; }
     BlockVolume *getBlockVolume(void) const { return _blockVolume; }
+    /// @}
 
     /// The grids are owned: setting another one deletes the former.
+    /// @{
     void setBitVolume(BitVolume *bitVolume);
     void setBlockVolume(BlockVolume *blockVolume);
+    /// @}
 
   private:
     VolumeData &operator=(const VolumeData &source);

@@ -43,6 +43,7 @@ class VolumeGrids
     /// w / blockSize and so on, x fastest) the smallest and the largest
     /// voxel of the block grown by one voxel on each side, clipped to the
     /// volume, stored as the pair (min, max).
+    /// @{
     static void blockMinMax(const osg::UInt8 *voxels,
                             osg::UInt32       w,
                             osg::UInt32       h,
@@ -55,6 +56,7 @@ class VolumeGrids
                             osg::UInt32        d,
                             osg::UInt32        blockSize,
                             osg::UInt16       *cells);
+    /// @}
 
     /// Whether a block with the value range m to M holds anything visible,
     /// from the prefix sum of opacity (sum[i]: all opacity up to and
@@ -69,6 +71,7 @@ class VolumeGrids
                            bool               sixteenBit);
 
     /// visitBlock for each (min, max) pair of a grid: 255 or 0 per cell.
+    /// @{
     static void bitGrid(const osg::UInt8  *cells,
                         osg::UInt64        cellCount,
                         const osg::Real32 *sum,
@@ -79,6 +82,7 @@ class VolumeGrids
                         const osg::Real32 *sum,
                         osg::UInt64        sumCount,
                         osg::UInt8        *bits);
+    /// @}
 };
 
 #endif

@@ -1,11 +1,3 @@
-/// Everything the GPU sees of one volume: the ray-casting shader, which is
-/// concatenated from the texts of the strategy objects, its material, the
-/// ray-caster node that the scene shows, and the start- and back-position
-/// scene graphs that yield each ray's entry point, direction and length.
-///
-/// The handler owns the volume data and the six strategies. Any strategy
-/// setter rebuilds the shader text and the material; setStepSize only sets
-/// a uniform.
 #ifndef _VOLUMENODEHANDLER_H_
 #define _VOLUMENODEHANDLER_H_
 
@@ -25,6 +17,14 @@ class Transferfunction;
 class ShadingFunctions;
 class TraversalFunctions;
 
+/// Everything the GPU sees of one volume: the ray-casting shader, which is
+/// concatenated from the texts of the strategy objects, its material, the
+/// ray-caster node that the scene shows, and the start- and back-position
+/// scene graphs that yield each ray's entry point, direction and length.
+///
+/// The handler owns the volume data and the six strategies. Any strategy
+/// setter rebuilds the shader text and the material; setStepSize only sets
+/// a uniform.
 class VolumeNodeHandler
 {
   public:
@@ -33,9 +33,15 @@ class VolumeNodeHandler
 
     /// Replaces the volume data by one read from a file or adopted from a
     /// texture chunk; neither builds the GPU side (the strategy setters do).
+    /// @{
     bool loadVolume(std::string file, bool swapBytes);
     bool setVolume(osg::TextureChunkPtr voxels, bool swapBytes);
+    /// @}
 
+    /// What the handler owns or holds: the data, the strategies, the
+    /// ray-casting node and shader, the two position graphs with their
+    /// transforms and shaders, and the four textures VolumeViewport renders.
+    /// @{
     VolumeData         *getVolumeData(void) const { return _volumeData; }
     const osg::Vec3f   &getDimensions(void) const { return _dimensions; }
     osg::SHLChunkPtr    getRaycastingShader(void) const { return _raycastingShader; }
@@ -58,6 +64,7 @@ class VolumeNodeHandler
     osg::TextureChunkPtr getBackTexture(void) const { return _backTexture; }
     osg::TextureChunkPtr getSceneColorTexture(void) const { return _sceneColorTexture; }
     osg::TextureChunkPtr getSceneDepthTexture(void) const { return _sceneDepthTexture; }
+    /// @}
 
     /// The extent of the volume in scene units, at the next init; a
     /// negative component takes it from the voxels and slice thickness.
@@ -67,11 +74,13 @@ class VolumeNodeHandler
 
     /// The strategy setters take ownership, delete the former object (unless
     /// it is the one given again), and rebuild.
+    /// @{
     void setRayGeneration(RayGeneration *rayGeneration);
     void setNormalfunction(NormalVolume *normalfunction);
     void setShadingfunction(ShadingFunctions *shadingfunction);
     void setTraversalfunction(TraversalFunctions *traversalfunction);
     void setBVGeometry(BVGeometry *bvGeometry);
+    /// @}
     /// Sets the table mode from the voxels' data type, stores the function,
     /// bakes its tables anew, and rebuilds.
     void setTransferfunction(Transferfunction *transferfunction);
@@ -85,6 +94,8 @@ class VolumeNodeHandler
     /// The textures that VolumeViewport renders; each call rebuilds the
     /// back-position material and the ray-casting material.
     void setFrontAndBackTexture(osg::TextureChunkPtr &front, osg::TextureChunkPtr &back);
+    /// The scene's colour and depth as VolumeViewport renders them; the
+    /// ray caster mixes over the colour and stops rays at the depth.
     void setSceneTextures(osg::TextureChunkPtr &color, osg::TextureChunkPtr &depth);
 
     /// Builds or refreshes the GPU side once the data and all six
@@ -98,18 +109,31 @@ class VolumeNodeHandler
     void setMaterialParameter(osg::ChunkMaterialPtr &material, osg::SHLChunkPtr &shader,
                               int &textureUnit, VolumeData *volumeData);
 
+    /// The material of the back-position pass, with the front texture, the
+    /// scene depth and the viewport size.
     void setBackPositionMaterial(void);
+    /// Build the graphs that VolumeViewport renders into the ray entry
+    /// (front) and exit (back) textures, over the bounding geometry.
+    /// @{
     void createStartpositionScenegraph(void);
     void createBackpositionScenegraph(void);
+    /// @}
     /// A node with a quad whose corners are (+-1, +-1): drawn unprojected
     /// it covers the viewport.
     static void createScreenQuad(osg::NodePtr &node);
 
+    /// The handler's own parts of the concatenated ray-casting shader: the
+    /// vertex program, the uniforms ahead of the strategies' functions, and
+    /// the main function that calls them.
+    /// @{
     std::string getVertexShaderString(void);
     std::string getPreambleShaderString(void);
     std::string getMainShaderString(void);
+    /// @}
 
   protected:
+    /// Releases every node, chunk and texture reference and deletes the
+    /// data and the strategies.
     void cleanup(void);
 
   private:

@@ -30,7 +30,7 @@ OSG_BEGIN_NAMESPACE
 namespace
 {
 
-const Char8 *dicomSuffixes[] = {"dcm"};
+const Char8 *dicomSuffixes[] = {"dcm", "dcmlist"};
 
 /// Relative difference of slice distances beyond which the spacing counts
 /// as uneven.
@@ -338,6 +338,91 @@ bool dicomFolderFiles(const std::string &folder, std::vector<std::string> &files
     return true;
 }
 
+bool dicomIsList(const std::string &path)
+{
+    return volumeEndsWithNoCase(path, ".dcmlist");
+}
+
+/// The slice files a list names, one a line; false with a warning for a
+/// list that is too long, not text, names no file, or names a file that
+/// is missing, no regular file, or (without outside data files allowed)
+/// outside the list's folder.
+bool dicomListFiles(const std::string &list, std::vector<std::string> &files)
+{
+    UInt64 size = 0;
+
+    if(!volumeFileSize(list, size))
+        return false;
+
+    if(size > MaxDICOMListBytes)
+    {
+        FWARNING(("DICOM: the list %s is larger than %llu bytes\n", list.c_str(),
+                  static_cast<unsigned long long>(MaxDICOMListBytes)));
+        return false;
+    }
+
+    std::vector<UInt8> bytes;
+
+    if(!volumeReadFile(list, 0, MaxDICOMListBytes, false, bytes))
+        return false;
+
+    const std::string text(bytes.begin(), bytes.end());
+
+    if(text.find('\0') != std::string::npos)
+    {
+        FWARNING(("DICOM: the list %s is no text\n", list.c_str()));
+        return false;
+    }
+
+    size_t start = 0;
+
+    while(start < text.size())
+    {
+        size_t end = text.find('\n', start);
+        if(end == std::string::npos)
+            end = text.size();
+
+        std::string name = text.substr(start, end - start);
+        start            = end + 1;
+
+        const size_t first = name.find_first_not_of(" \t\r");
+        if(first == std::string::npos || name[first] == '#')
+            continue;
+        name = name.substr(first, name.find_last_not_of(" \t\r") + 1 - first);
+
+        if(files.size() >= MaxDICOMSlices)
+        {
+            FWARNING(("DICOM: the list %s names more than %u files; not read\n",
+                      list.c_str(), MaxDICOMSlices));
+            return false;
+        }
+
+        std::string       path;
+        const VolumeDataFileResult found =
+            volumeDataFilePath(list, name, path, "DICOM list");
+        struct stat       info;
+
+        if(found == VolumeDataFileRefused)
+            return false;
+
+        if(found != VolumeDataFileFound || ::stat(path.c_str(), &info) != 0 ||
+           !S_ISREG(info.st_mode))
+        {
+            FWARNING(("DICOM: the list %s names %s, which is no regular file\n",
+                      list.c_str(), name.c_str()));
+            return false;
+        }
+        files.push_back(path);
+    }
+
+    if(files.empty())
+    {
+        FWARNING(("DICOM: the list %s names no files\n", list.c_str()));
+        return false;
+    }
+    return true;
+}
+
 /// Median of the distances between neighbouring slices; warns when they
 /// differ (a slice missing) and refuses two slices at one place.
 bool dicomSliceDistance(const std::vector<DicomHeader> &slices, Real64 &distance)
@@ -367,10 +452,44 @@ bool dicomSliceDistance(const std::vector<DicomHeader> &slices, Real64 &distance
     return true;
 }
 
+/// Where a series lies, in DICOM's patient frame (x to the patient's left,
+/// y to the back, z up).
+struct DicomGeometry
+{
+    bool   known          = false;
+    Real64 orientation[6] = {1, 0, 0, 0, 1, 0}; ///< row, then column direction
+    Real64 origin[3]      = {0, 0, 0};          ///< the first voxel's centre
+    Real64 stack[3]       = {0, 0, 1}; ///< from slice to slice per unit of spacing
+};
+
+/// The voxel-to-world matrix of "Transform" (NIfTI's frame: DICOM's x and
+/// y turned over); the spacing alone without a geometry.
+void dicomTransform(const DicomGeometry &g, const Real64 spacing[3],
+                    Real64 m[12])
+{
+    const Real64 identity[12] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0};
+    std::copy(identity, identity + 12, m);
+
+    for(UInt32 row = 0; row < 3; ++row)
+    {
+        const Real64 flip = g.known && row < 2 ? -1.0 : 1.0;
+
+        if(!g.known)
+        {
+            m[5 * row] = spacing[row];
+            continue;
+        }
+        m[4 * row + 0] = flip * g.orientation[row] * spacing[0];
+        m[4 * row + 1] = flip * g.orientation[3 + row] * spacing[1];
+        m[4 * row + 2] = flip * g.stack[row] * spacing[2];
+        m[4 * row + 3] = flip * g.origin[row];
+    }
+}
+
 /// Edges, element and spacing of the slices in `slices` (ordered), read
-/// into an image.
+/// into an image, with the matrix of `geometry` in "Transform".
 bool dicomStore(ImagePtr &image, const std::vector<DicomHeader> &slices,
-                VolumeLayout &layout)
+                VolumeLayout &layout, const DicomGeometry &geometry)
 {
     const DicomHeader &first = slices.front();
 
@@ -419,7 +538,41 @@ bool dicomStore(ImagePtr &image, const std::vector<DicomHeader> &slices,
         return false;
 
     voxels.resize(size_t(imageBytes));
-    return volumeStoreInImage(image, layout, voxels, "DICOM");
+
+    if(!volumeStoreInImage(image, layout, voxels, "DICOM"))
+        return false;
+
+    Real64 transform[12];
+    dicomTransform(geometry, layout.spacing, transform);
+    image->setAttachmentField(VolumeTransformKey,
+                              formatVolumeTransform(transform));
+    return true;
+}
+
+/// The geometry of one slice from its orientation and position; unknown
+/// when either is missing or the orientation has no normal.
+DicomGeometry dicomSliceGeometry(const DicomHeader &h)
+{
+    DicomGeometry g;
+
+    if(!h.hasPosition || !dicomNumbers(h.orientation, g.orientation, 6))
+        return DicomGeometry();
+
+    const Real64 *o = g.orientation;
+    const Real64  n[3] = {o[1] * o[5] - o[2] * o[4], o[2] * o[3] - o[0] * o[5],
+                          o[0] * o[4] - o[1] * o[3]};
+    const Real64  length = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]);
+
+    if(!(length > 1e-6))
+        return DicomGeometry();
+
+    for(UInt32 i = 0; i < 3; ++i)
+    {
+        g.origin[i] = h.position[i];
+        g.stack[i]  = n[i] / length;
+    }
+    g.known = true;
+    return g;
 }
 
 } // namespace
@@ -470,6 +623,13 @@ bool DICOMImageFileType::read(ImagePtr &image, const Char8 *fileName)
         return readSeries(image, files);
     }
 
+    if(dicomIsList(fileName))
+    {
+        std::vector<std::string> files;
+
+        return dicomListFiles(fileName, files) && readSeries(image, files);
+    }
+
     // a single file: its frames make the volume, spaced by its thickness
     std::vector<DicomHeader> slices(1);
 
@@ -481,7 +641,7 @@ bool DICOMImageFileType::read(ImagePtr &image, const Char8 *fileName)
     if(slices[0].thickness > 0)
         layout.spacing[2] = slices[0].thickness;
 
-    return dicomStore(image, slices, layout);
+    return dicomStore(image, slices, layout, dicomSliceGeometry(slices[0]));
 }
 
 bool DICOMImageFileType::readSeries(ImagePtr                       &image,
@@ -590,8 +750,9 @@ bool DICOMImageFileType::readSeries(ImagePtr                       &image,
                         normal[2] * h.position[2]) / length;
     }
 
-    VolumeLayout layout;
-    Real64       distance = first.thickness > 0 ? first.thickness : 1.0;
+    VolumeLayout  layout;
+    DicomGeometry geometry;
+    Real64        distance = first.thickness > 0 ? first.thickness : 1.0;
 
     if(allPositions && hasOrientation)
     {
@@ -602,6 +763,21 @@ bool DICOMImageFileType::readSeries(ImagePtr                       &image,
 
         if(!dicomSliceDistance(slices, distance))
             return false;
+
+        // the stack runs from the first slice to the last, which is the
+        // normal unless the slices are sheared (a tilted gantry); per unit
+        // of the spacing along the normal
+        geometry = dicomSliceGeometry(slices.front());
+
+        const DicomHeader &last = slices.back();
+        const Real64       span = last.along - slices.front().along;
+
+        if(geometry.known && span > 0.0)
+        {
+            for(UInt32 i = 0; i < 3; ++i)
+                geometry.stack[i] =
+                    (last.position[i] - slices.front().position[i]) / span;
+        }
     }
     else
     {
@@ -616,7 +792,7 @@ bool DICOMImageFileType::readSeries(ImagePtr                       &image,
     }
 
     layout.spacing[2] = distance;
-    return dicomStore(image, slices, layout);
+    return dicomStore(image, slices, layout, geometry);
 }
 
 bool DICOMImageFileType::read(ImagePtr &, std::istream &, const std::string &)
@@ -637,6 +813,10 @@ bool DICOMImageFileType::validateHeader(const Char8 *fileName,
     struct stat info;
 
     if(::stat(fileName, &info) == 0 && S_ISDIR(info.st_mode))
+        return true;
+
+    // a list is text and known by its name alone
+    if(dicomIsList(fileName))
         return true;
 
     // a Part 10 file: 128 bytes of preamble, then "DICM"

@@ -1,6 +1,9 @@
-/// DICOM series ("application/dicom", suffix "dcm"), through DCMTK: a
-/// folder of slices becomes one volume; a .dcm file is read alone (one
-/// slice, or the frames of a multi-frame file).
+/// DICOM series ("application/dicom", suffixes "dcm" and "dcmlist"),
+/// through DCMTK: a folder of slices becomes one volume, and so does a
+/// list of slice files (a text file named *.dcmlist: one file name a line,
+/// relative names relative to the list's folder, empty lines and lines
+/// starting with '#' skipped); a .dcm file is read alone (one slice, or
+/// the frames of a multi-frame file).
 ///
 /// Reading a folder: its regular files (not its subfolders; symbolic links
 /// only when ImageFileHandler allows outside data files) that hold a DICOM
@@ -15,8 +18,16 @@
 /// distances between positions (a missing slice) give a warning; the
 /// spacing along z is then their median.
 ///
+/// A list goes through the same grouping, ordering and checks as a
+/// folder. Its files must exist and be regular files; without outside
+/// data files allowed they must lie inside the list's folder (links and
+/// ".." resolved), as the data files of a volume header must.
+///
 /// Pixel Spacing (row, column) and that distance become the attachment
-/// field "SliceThickness" as "column-spacing row-spacing distance". Pixel
+/// field "SliceThickness" as "column-spacing row-spacing distance". The
+/// first slice's position, the row and column directions and the step
+/// from slice to slice become "Transform" (see VolumeTransformKey; the
+/// spacing alone for slices without position or orientation). Pixel
 /// types: 8- and 16-bit, one sample a pixel; signed values are shifted into
 /// the unsigned range (offset in the attachment field "ValueOffset").
 /// The stored values are kept: Rescale Slope and Intercept are not applied.
@@ -37,8 +48,12 @@
 
 OSG_BEGIN_NAMESPACE
 
-/// Most files of a folder that are looked at for a series.
+/// Most files of a folder that are looked at for a series, and most names
+/// of a list.
 const UInt32 MaxDICOMSlices = 8192;
+
+/// Largest list of slice files read.
+const UInt64 MaxDICOMListBytes = UInt64(1) << 20;
 
 class DICOMImageFileType : public ImageFileType
 {
@@ -49,7 +64,8 @@ class DICOMImageFileType : public ImageFileType
 
     using ImageFileType::read;
 
-    /// A folder (the series in it) or a single .dcm file.
+    /// A folder (the series in it), a .dcmlist list of slice files or a
+    /// single .dcm file.
     virtual bool read(ImagePtr &image, const Char8 *fileName);
 
     /// The series the given files hold, as for a folder.

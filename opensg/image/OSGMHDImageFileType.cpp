@@ -36,20 +36,6 @@ bool optionIsTrue(const std::string &value)
     return v == "true" || v == "1" || v == "yes";
 }
 
-bool endsWithNoCase(const std::string &text, const std::string &suffix)
-{
-    if(text.size() < suffix.size())
-        return false;
-
-    for(size_t i = 0; i < suffix.size(); ++i)
-    {
-        if(std::tolower(static_cast<unsigned char>(
-               text[text.size() - suffix.size() + i])) != suffix[i])
-            return false;
-    }
-    return true;
-}
-
 /// Where the data block starts in a file or buffer of `total` bytes whose
 /// header ends at `headerEnd` (0 for a separate data file); false when
 /// it can not be placed.
@@ -303,7 +289,7 @@ bool MHDImageFileType::write(const ImagePtr &image, const Char8 *fileName)
         block.swap(packed);
     }
 
-    const bool        local    = endsWithNoCase(fileName, ".mha");
+    const bool        local    = volumeEndsWithNoCase(fileName, ".mha");
     const std::string dataName = local ? std::string()
                                        : volumeReplaceSuffix(
                                              fileName,

@@ -6,7 +6,6 @@
 #include <zlib.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <cstring>
 #include <fstream>
@@ -48,7 +47,8 @@ enum
     NIfTIOffXyztUnits = 123,
     NIfTIOffQformCode = 252,
     NIfTIOffSformCode = 254,
-    NIfTIOffSrowX     = 280,
+    NIfTIOffQuatern   = 256, // b, c, d, then the offsets x, y, z
+    NIfTIOffSrowX     = 280, // srow_x, srow_y, srow_z, four each
     NIfTIOffMagic     = 344
 };
 
@@ -95,20 +95,6 @@ bool niftiIsGzip(const UInt8 *data, UInt64 size)
     return size >= 2 && data[0] == 0x1f && data[1] == 0x8b;
 }
 
-bool niftiEndsWith(const std::string &text, const std::string &suffix)
-{
-    if(text.size() < suffix.size())
-        return false;
-
-    for(size_t i = 0; i < suffix.size(); ++i)
-    {
-        if(std::tolower(static_cast<unsigned char>(
-               text[text.size() - suffix.size() + i])) != suffix[i])
-            return false;
-    }
-    return true;
-}
-
 /// One stored element as a double (host order taken care of).
 Real64 niftiElementValue(const UInt8 *p, VolumeElement element, bool swap)
 {
@@ -143,9 +129,104 @@ Real32 niftiToFloat(Real64 v)
     return Real32(v);
 }
 
+/// `count` floats from `offset` on; true when all are finite.
+bool niftiFiniteFloats(const NIfTIBytes &b, UInt32 offset, UInt32 count, Real64 *out)
+{
+    bool finite = true;
+
+    for(UInt32 i = 0; i < count; ++i)
+    {
+        out[i] = b.f32(offset + 4 * i);
+        finite = finite && std::isfinite(out[i]);
+    }
+    return finite;
+}
+
+/// The voxel-to-world matrix of a header whose spacing is known: the
+/// sform when sform_code > 0, else the qform when qform_code > 0, else the
+/// pixdim scaling. A form with values that are not finite is passed over
+/// with a warning.
+void niftiTransform(const NIfTIBytes &b, NIfTIHeader &header)
+{
+    const Real64 *spacing = header.layout.spacing;
+    Real64       *m       = header.transform;
+
+    const Real64 scaling[12] = {spacing[0], 0, 0, 0, 0, spacing[1], 0, 0,
+                                0, 0, spacing[2], 0};
+    std::copy(scaling, scaling + 12, m);
+    header.transformSource = 0;
+
+    if(b.i16(NIfTIOffSformCode) > 0)
+    {
+        Real64 rows[12];
+
+        if(niftiFiniteFloats(b, NIfTIOffSrowX, 12, rows))
+        {
+            std::copy(rows, rows + 12, m);
+            header.transformSource = 2;
+            return;
+        }
+        FWARNING(("NIfTI: the sform holds values that are not finite; it is "
+                  "not used\n"));
+    }
+
+    if(b.i16(NIfTIOffQformCode) > 0)
+    {
+        Real64 q[6];
+
+        if(!niftiFiniteFloats(b, NIfTIOffQuatern, 6, q))
+        {
+            FWARNING(("NIfTI: the qform holds values that are not finite; it "
+                      "is not used\n"));
+            return;
+        }
+
+        // a unit quaternion (a, b, c, d) with a >= 0 computed from the rest
+        Real64 qb = q[0], qc = q[1], qd = q[2];
+        Real64 qa = 1.0 - (qb * qb + qc * qc + qd * qd);
+
+        if(qa < 1e-7)
+        {
+            // a 180-degree turn: (b, c, d) is the axis, normalised
+            const Real64 n = std::sqrt(qb * qb + qc * qc + qd * qd);
+            qa = 0.0;
+            if(n > 0.0)
+            {
+                qb /= n;
+                qc /= n;
+                qd /= n;
+            }
+        }
+        else
+        {
+            qa = std::sqrt(qa);
+        }
+
+        const Real64 r[9] = {
+            qa * qa + qb * qb - qc * qc - qd * qd, 2 * (qb * qc - qa * qd),
+            2 * (qb * qd + qa * qc),
+            2 * (qb * qc + qa * qd), qa * qa + qc * qc - qb * qb - qd * qd,
+            2 * (qc * qd - qa * qb),
+            2 * (qb * qd - qa * qc), 2 * (qc * qd + qa * qb),
+            qa * qa + qd * qd - qb * qb - qc * qc};
+
+        // qfac (pixdim[0]) -1 turns the slice axis over; 0 counts as 1
+        const Real64 qfac  = b.f32(NIfTIOffPixdim) < 0.f ? -1.0 : 1.0;
+        const Real64 d[3]  = {spacing[0], spacing[1], spacing[2] * qfac};
+
+        for(UInt32 row = 0; row < 3; ++row)
+        {
+            for(UInt32 col = 0; col < 3; ++col)
+                m[4 * row + col] = r[3 * row + col] * d[col];
+            m[4 * row + 3] = q[3 + row];
+        }
+        header.transformSource = 1;
+    }
+}
+
 /// Reads the whole of a (possibly gzip-compressed) NIfTI held in memory.
 bool readNIfTIMemory(const UInt8 *data, UInt64 size, VolumeLayout &layout,
-                     std::vector<UInt8> &voxels)
+                     std::vector<UInt8> &voxels, NIfTIHeader &header)
 {
     std::vector<UInt8> inflated;
 
@@ -181,8 +262,6 @@ bool readNIfTIMemory(const UInt8 *data, UInt64 size, VolumeLayout &layout,
         headSize = headBytes.size();
     }
 
-    NIfTIHeader header;
-
     if(!parseNIfTIHeader(head, headSize, header))
         return false;
 
@@ -212,6 +291,18 @@ bool readNIfTIMemory(const UInt8 *data, UInt64 size, VolumeLayout &layout,
 
     return decodeNIfTIVoxels(header, data + header.voxOffset,
                              size - header.voxOffset, layout, voxels);
+}
+
+/// The voxels into the image, the header's transform into "Transform".
+bool niftiStore(ImagePtr &image, const NIfTIHeader &header,
+                const VolumeLayout &layout, const std::vector<UInt8> &voxels)
+{
+    if(!volumeStoreInImage(image, layout, voxels, "NIfTI"))
+        return false;
+
+    image->setAttachmentField(VolumeTransformKey,
+                              formatVolumeTransform(header.transform));
+    return true;
 }
 
 } // namespace
@@ -346,6 +437,7 @@ bool parseNIfTIHeader(const UInt8 *data, UInt64 size, NIfTIHeader &header)
             header.layout.spacing[i] = 1.0;
     }
     volumeCheckSpacing(header.layout.spacing, "NIfTI: pixdim");
+    niftiTransform(b, header);
 
     const Real64 slope = b.f32(NIfTIOffSclSlope);
     const Real64 inter = b.f32(NIfTIOffSclInter);
@@ -495,7 +587,7 @@ bool NIfTIImageFileType::read(ImagePtr &image, const Char8 *fileName)
     block.clear();
     block.shrink_to_fit();
 
-    return volumeStoreInImage(image, layout, voxels, "NIfTI");
+    return niftiStore(image, header, layout, voxels);
 }
 
 bool NIfTIImageFileType::read(ImagePtr &image, std::istream &is,
@@ -514,16 +606,17 @@ bool NIfTIImageFileType::read(ImagePtr &image, std::istream &is,
         return false;
     }
 
+    NIfTIHeader        header;
     VolumeLayout       layout;
     std::vector<UInt8> voxels;
 
-    if(!readNIfTIMemory(bytes.data(), bytes.size(), layout, voxels))
+    if(!readNIfTIMemory(bytes.data(), bytes.size(), layout, voxels, header))
         return false;
 
     bytes.clear();
     bytes.shrink_to_fit();
 
-    return volumeStoreInImage(image, layout, voxels, "NIfTI");
+    return niftiStore(image, header, layout, voxels);
 }
 
 bool NIfTIImageFileType::validateHeader(const Char8 *fileName,
@@ -607,8 +700,15 @@ bool NIfTIImageFileType::write(const ImagePtr &image, const Char8 *fileName)
     const Real32 slope     = 1.f;
     const Int16  qform     = 0;
     const Int16  sform     = 1; // scanner: the rows below
-    const Real32 srow[12]  = {pixdim[1], 0, 0, 0,  0, pixdim[2], 0, 0,
+    Real32       srow[12]  = {pixdim[1], 0, 0, 0,  0, pixdim[2], 0, 0,
                               0, 0, pixdim[3], 0};
+    Real64       transform[12];
+
+    if(volumeTransformOfImage(image, transform))
+    {
+        for(UInt32 i = 0; i < 12; ++i)
+            srow[i] = niftiToFloat(transform[i]);
+    }
 
     std::memcpy(head + NIfTIOffSizeofHdr, &sizeofHdr, 4);
     std::memcpy(head + NIfTIOffDim, dim, sizeof(dim));
@@ -628,7 +728,7 @@ bool NIfTIImageFileType::write(const ImagePtr &image, const Char8 *fileName)
     if(!encodeVolumeData(layout, data, size, block))
         return false;
 
-    if(niftiEndsWith(fileName, ".gz"))
+    if(volumeEndsWithNoCase(fileName, ".gz"))
     {
         gzFile file = gzopen(fileName, "wb");
 

@@ -13,7 +13,10 @@
 /// scl_slope other than 0 or 1 (or a scl_inter other than 0) maps the
 /// values to value * scl_slope + scl_inter in 32-bit floats. The voxels
 /// keep the file's index order (i fastest, then j, then k: the slices in
-/// file order); the qform and sform rotations are not applied.
+/// file order); the voxel-to-world matrix goes into the attachment field
+/// "Transform" (VolumeTransformKey): the sform when sform_code > 0, else
+/// the qform (quaternion, offsets and qfac) when qform_code > 0, else the
+/// pixdim scaling.
 ///
 /// Hostile files: sizes are checked against the image budget
 /// (ImageFileHandler::getMaxImageBytes) before anything is read; gzip data
@@ -21,7 +24,8 @@
 /// with what the stream yields.
 ///
 /// Writing: ".nii" plain, ".nii.gz" gzip-compressed; host byte order,
-/// pixdim from "SliceThickness".
+/// pixdim from "SliceThickness", the sform from "Transform" (the pixdim
+/// scaling without one).
 #ifndef _OSGNIFTIIMAGEFILETYPE_H_
 #define _OSGNIFTIIMAGEFILETYPE_H_
 
@@ -45,6 +49,11 @@ struct NIfTIHeader
     Real64       sclInter   = 0.0;
     bool         scaled     = false; ///< values go through slope and intercept
     bool         moreVolumes = false; ///< dim[4..7] hold more than one volume
+    /// Voxel index (i, j, k) to world millimetres, rows of 4 (see
+    /// VolumeTransformKey): from the sform, the qform or the pixdim scaling.
+    Real64       transform[12] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0};
+    /// 2 from the sform, 1 from the qform, 0 from the pixdim scaling.
+    Int32        transformSource = 0;
 };
 
 /// Parses the first NIfTIHeaderBytes of `data` (a single-file "n+1"

@@ -1566,6 +1566,20 @@ std::string volumeDirectoryOf(const std::string &path)
     return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
 }
 
+bool volumeEndsWithNoCase(const std::string &path, const std::string &suffix)
+{
+    if(path.size() < suffix.size())
+        return false;
+
+    for(size_t i = 0; i < suffix.size(); ++i)
+    {
+        if(std::tolower(static_cast<unsigned char>(
+               path[path.size() - suffix.size() + i])) != suffix[i])
+            return false;
+    }
+    return true;
+}
+
 std::string volumeBaseNameOf(const std::string &path)
 {
     std::string::size_type slash = path.find_last_of('/');

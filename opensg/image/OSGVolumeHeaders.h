@@ -294,6 +294,9 @@ std::string volumeDirectoryOf(const std::string &path);
 /// The last path component.
 std::string volumeBaseNameOf(const std::string &path);
 
+/// Whether path ends in suffix (given in lower case), ignoring case.
+bool volumeEndsWithNoCase(const std::string &path, const std::string &suffix);
+
 /// path with the suffix of its last component (from the last '.') replaced
 /// by newSuffix (which includes the dot); appended when there is none.
 std::string volumeReplaceSuffix(const std::string &path,

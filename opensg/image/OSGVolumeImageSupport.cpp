@@ -2,11 +2,46 @@
 #include <OpenSG/OSGImage.h>
 #include <OpenSG/OSGLog.h>
 
+#include <cmath>
+#include <locale>
 #include <sstream>
 
 OSG_BEGIN_NAMESPACE
 
 const char *const VolumeValueOffsetKey = "ValueOffset";
+const char *const VolumeTransformKey   = "Transform";
+
+std::string formatVolumeTransform(const Real64 matrix[12])
+{
+    std::ostringstream text;
+    text.imbue(std::locale::classic());
+    text.precision(9);
+
+    for(UInt32 i = 0; i < 12; ++i)
+        text << (i ? " " : "") << (matrix[i] == 0.0 ? 0.0 : matrix[i]);
+    return text.str();
+}
+
+bool volumeTransformOfImage(const ImagePtr &image, Real64 matrix[12])
+{
+    const std::string *text =
+        image == NullFC ? NULL : image->findAttachmentField(VolumeTransformKey);
+
+    if(text == NULL)
+        return false;
+
+    std::istringstream in(*text);
+    in.imbue(std::locale::classic());
+
+    for(UInt32 i = 0; i < 12; ++i)
+    {
+        if(!(in >> matrix[i]) || !std::isfinite(matrix[i]))
+            return false;
+    }
+
+    std::string rest;
+    return !(in >> rest);
+}
 
 bool volumeStoreInImage(ImagePtr                 &image,
                         const VolumeLayout       &layout,

@@ -15,6 +15,22 @@ OSG_BEGIN_NAMESPACE
 /// they were read (stored value = file value + offset), e.g. "32768".
 extern const char *const VolumeValueOffsetKey;
 
+/// Attachment field "Transform": the voxel-to-world matrix of a volume
+/// whose file says where it lies (NIfTI, DICOM), twelve numbers, the three
+/// rows of a 3 x 4 matrix. World = M (i, j, k, 1) with i the voxel's
+/// column (fastest in memory), j its row, k its slice; world coordinates
+/// are millimetres in NIfTI's patient frame (x to the right, y to the
+/// front, z up; DICOM's left and back axes are turned over). The voxels
+/// themselves keep the file's order.
+extern const char *const VolumeTransformKey;
+
+/// The twelve numbers of a transform as the attachment field holds them.
+std::string formatVolumeTransform(const Real64 matrix[12]);
+
+/// Reads "Transform" from an image: true when it holds twelve finite
+/// numbers.
+bool volumeTransformOfImage(const ImagePtr &image, Real64 matrix[12]);
+
 /// Sets image to the volume, in one edit with all fields: pixel format by
 /// channels, edges, the image type of the layout's element, voxels given
 /// in Image's form (decodeVolumeData). Adds "SliceThickness" when the

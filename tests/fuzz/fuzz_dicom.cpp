@@ -3,7 +3,10 @@
 // folder of the target's own, which is then read as one series: DCMTK's
 // parsing of each file, grouping by series, ordering by position, the
 // checks between slices and the assembly of the volume. A volume it
-// accepts must hold the bytes its edges and type say.
+// accepts must hold the bytes its edges and type say. An input that starts
+// with "DCMLIST" makes its first piece a list of slice files
+// ("series.dcmlist", read instead of the folder): names of the pieces,
+// missing files, paths out of the folder, comments and binary junk.
 #include <OpenSG/OSGBaseInitFunctions.h>
 #include <OpenSG/OSGImage.h>
 #include <OpenSG/OSGImageFileHandler.h>
@@ -67,9 +70,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 
     clearFolder();
 
-    const std::string input(reinterpret_cast<const char *>(data), size);
+    std::string       input(reinterpret_cast<const char *>(data), size);
     const std::string cut = "DCMSPLIT";
+    const std::string tag = "DCMLIST";
+    const bool        list = input.compare(0, tag.size(), tag) == 0;
     size_t            start = 0;
+
+    if(list)
+        input.erase(0, tag.size());
 
     for(int n = 0; n < 8 && start <= input.size(); ++n)
     {
@@ -77,7 +85,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         if(end == std::string::npos || n == 7)
             end = input.size();
 
-        std::ofstream out(folder + "/f" + std::to_string(n), std::ios::binary);
+        const std::string name = list && n == 0 ? "series.dcmlist" : "f" + std::to_string(n);
+        std::ofstream     out(folder + "/" + name, std::ios::binary);
         out << input.substr(start, end - start);
         start = end + cut.size();
     }
@@ -85,7 +94,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     ImagePtr image = Image::create();
     addRefCP(image);
 
-    if(image->read(folder.c_str()))
+    const std::string source = list ? folder + "/series.dcmlist" : folder;
+
+    if(image->read(source.c_str()))
     {
         const UInt64 voxels = UInt64(image->getWidth()) * image->getHeight() *
                               image->getDepth();

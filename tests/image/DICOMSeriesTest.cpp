@@ -9,6 +9,7 @@
 
 #include "../support/ScratchDir.h"
 #include "../support/TextSupport.h"
+#include "VolumeTransformSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -170,6 +171,19 @@ UInt16 dicomVoxel(ImagePtr image, int x, int y, int z)
     const size_t index = size_t(x + image->getWidth() * (y + image->getHeight() * z));
     std::memcpy(&v, image->getData() + 2 * index, 2);
     return v;
+}
+
+/// DICOM writes positions with six digits.
+void expectDicomMatrix(const std::vector<double> &got, const std::vector<double> &want)
+{
+    voltest::expectTransform(got, want, 1e-6);
+}
+
+/// Writes `text` as a file.
+void writeText(const std::string &path, const std::string &text)
+{
+    std::ofstream out(path, std::ios::binary);
+    out << text;
 }
 
 } // namespace
@@ -411,4 +425,158 @@ TEST_F(DICOMSeries, TheBudgetAndLinksOutOfTheFolderAreObeyed)
     handler.setAllowOutsideDataFiles(false);
     ASSERT_NE(image, NullFC);
     EXPECT_EQ(image->getDepth(), 5);
+}
+
+TEST_F(DICOMSeries, ATiltedSeriesGivesItsVoxelToWorldMatrix)
+{
+    // rows along (0.8, 0.6, 0), columns along -z: the normal is (-0.6, 0.8, 0);
+    // slices 2.5 apart along it, written in shuffled order. Sheared: every
+    // slice also moves half a millimetre along the rows (a tilted gantry).
+    const double row[3] = {0.8, 0.6, 0}, normal[3] = {-0.6, 0.8, 0};
+    for(bool sheared : {false, true})
+    {
+        SCOPED_TRACE(sheared ? "sheared" : "straight");
+        const std::string dir = folder(sheared ? "tilted-sheared" : "tilted");
+        for(int k : {2, 0, 3, 1})
+        {
+            DicomSlice s;
+            s.orientation = "0.8\\0.6\\0\\0\\0\\-1";
+            for(int i = 0; i < 3; ++i)
+                s.position[i] = (i == 0 ? 10 : i == 1 ? 20 : 30) + k * 2.5 * normal[i] +
+                                (sheared ? k * 0.5 * row[i] : 0);
+            dicomFill(s, k);
+            writeDicom(dir + "/" + std::to_string(k * 7 % 4) + ".dcm", dicomFile(s));
+        }
+
+        LogCapture log;
+        ImagePtr   image = load(dir);
+        ASSERT_NE(image, NullFC);
+        EXPECT_EQ(log.take(), "");
+        EXPECT_EQ(dicomVoxel(image, 1, 2, 3), dicomValue(1, 2, 3));
+        EXPECT_EQ(*image->findAttachmentField("SliceThickness"), "0.8 0.5 2.5");
+
+        // columns: the row direction times the column spacing (0.8), the
+        // column direction times the row spacing (0.5), the step from slice
+        // to slice, the first slice's position; x and y turned over from
+        // the patient's left and back to right and front
+        const double step[3] = {2.5 * normal[0] + (sheared ? 0.5 * row[0] : 0),
+                                2.5 * normal[1] + (sheared ? 0.5 * row[1] : 0), 0};
+        expectDicomMatrix(voltest::transformOf(image), {-0.64, 0, -step[0], -10,  //
+                                               -0.48, 0, -step[1], -20,  //
+                                               0, -0.5, 0, 30});
+    }
+
+    // one slice alone: the normal times its Slice Thickness (1)
+    ImagePtr image = load(scratchPath("tilted") + "/0.dcm");
+    ASSERT_NE(image, NullFC);
+    expectDicomMatrix(voltest::transformOf(image), {-0.64, 0, 0.6, -10, -0.48, 0, -0.8, -20, 0, -0.5, 0, 30});
+
+    // slices without orientation: ordered by number, the spacing alone
+    const std::string plain = folder("unplaced");
+    for(int k = 0; k < 2; ++k)
+    {
+        DicomSlice s;
+        s.orientation = "";
+        s.instance    = k + 1;
+        dicomFill(s, k);
+        writeDicom(plain + "/" + std::to_string(k), dicomFile(s));
+    }
+    LogCapture log;
+    image = load(plain);
+    ASSERT_NE(image, NullFC);
+    EXPECT_TRUE(contains(log.take(), "ordered by Instance Number"));
+    expectDicomMatrix(voltest::transformOf(image), {0.8, 0, 0, 0, 0, 0.5, 0, 0, 0, 0, 1, 0});
+}
+
+TEST_F(DICOMSeries, AListOfSliceFilesReadsLikeAFolder)
+{
+    // five slices in the folder, 2 apart; the list names four of them (one
+    // in a subfolder), skipping a comment, blank lines, CR LF ends and
+    // spaces around names
+    const std::string dir = folder("listed");
+    for(int k = 0; k < 5; ++k)
+    {
+        DicomSlice s;
+        s.position[2] = 2.0 * k;
+        dicomFill(s, k);
+        writeDicom(dir + "/s" + std::to_string(k) + ".dcm", dicomFile(s));
+    }
+    std::filesystem::create_directories(dir + "/sub");
+    std::filesystem::rename(dir + "/s4.dcm", dir + "/sub/s4.dcm");
+    writeText(dir + "/series.dcmlist",
+              "# the series\r\n  s3.dcm \r\n\r\ns1.dcm\n./s0.dcm\nsub/s4.dcm");
+    {
+        LogCapture log;
+        ImagePtr   image = load(dir + "/series.dcmlist");
+        ASSERT_NE(image, NullFC);
+        EXPECT_EQ(image->getDepth(), 4);
+        EXPECT_EQ(dicomVoxel(image, 2, 3, 0), dicomValue(2, 3, 0));
+        EXPECT_EQ(dicomVoxel(image, 2, 3, 2), dicomValue(2, 3, 3));
+        EXPECT_EQ(dicomVoxel(image, 2, 3, 3), dicomValue(2, 3, 4));
+        // s2 is not listed: the same missing-slice rule as for a folder
+        EXPECT_TRUE(contains(log.take(), "DICOM: uneven slice spacing (from 2 to 4); slices may be "
+                                         "missing; taking 2"));
+        expectDicomMatrix(voltest::transformOf(image), {-0.8, 0, 0, 0, 0, -0.5, 0, 0, 0, 0, 2, 0});
+    }
+
+    // a second series among the named files: the larger one, with a warning
+    DicomSlice other;
+    other.series      = "1.2.3.999";
+    other.position[2] = 9;
+    dicomFill(other, 9);
+    writeDicom(dir + "/other.dcm", dicomFile(other));
+    writeText(dir + "/mixed.dcmlist", "s0.dcm\ns1.dcm\nother.dcm\n");
+    {
+        LogCapture log;
+        ImagePtr   image = load(dir + "/mixed.dcmlist");
+        ASSERT_NE(image, NullFC);
+        EXPECT_EQ(image->getDepth(), 2);
+        EXPECT_TRUE(contains(log.take(), "DICOM: the files hold 2 series; reading the largest"));
+    }
+
+    // lists that can not be read: each refused with its line
+    const std::string elsewhere = folder("list-elsewhere");
+    DicomSlice        outside;
+    outside.position[2] = 20;
+    dicomFill(outside, 0);
+    writeDicom(elsewhere + "/outside.dcm", dicomFile(outside));
+    ASSERT_EQ(mkfifo((dir + "/pipe").c_str(), 0600), 0);
+    struct Bad
+    {
+        const char *name;
+        std::string text;
+        std::string message;
+    };
+    const Bad bad[] = {
+        {"missing", "s0.dcm\nnot-there.dcm\n", "names not-there.dcm, which is no regular file"},
+        {"fifo", "s0.dcm\npipe\n", "names pipe, which is no regular file"},
+        {"folder", "sub\n", "names sub, which is no regular file"},
+        {"up", "s0.dcm\n../list-elsewhere/outside.dcm\n", "lies outside the header's folder"},
+        {"absolute", elsewhere + "/outside.dcm\n", "is an absolute path"},
+        {"empty", "# nothing\n\n", "DICOM: the list " + dir + "/empty.dcmlist names no files"},
+        {"binary", std::string("s0.dcm\n\0\1\2", 10), "is no text"},
+        {"twice", "s0.dcm\ns1.dcm\ns1.dcm\n", "two slices of the series lie at one position"},
+    };
+    for(const Bad &b : bad)
+    {
+        SCOPED_TRACE(b.name);
+        const std::string list = dir + "/" + b.name + ".dcmlist";
+        writeText(list, b.text);
+        LogCapture log;
+        EXPECT_EQ(load(list), NullFC);
+        const std::string text = log.take();
+        EXPECT_TRUE(contains(text, b.message)) << text;
+    }
+
+    // outside files are read where the handler allows them
+    ImageFileHandler::the().setAllowOutsideDataFiles(true);
+    ImagePtr image = load(dir + "/up.dcmlist");
+    ImageFileHandler::the().setAllowOutsideDataFiles(false);
+    EXPECT_NE(image, NullFC);
+
+    // a list too long to be one
+    writeText(dir + "/long.dcmlist", std::string((1 << 20) + 1, '#'));
+    LogCapture log;
+    EXPECT_EQ(load(dir + "/long.dcmlist"), NullFC);
+    EXPECT_TRUE(contains(log.take(), "is larger than 1048576 bytes"));
 }

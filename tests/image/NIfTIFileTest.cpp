@@ -11,12 +11,14 @@
 #include "../support/ScratchDir.h"
 #include "../support/TextSupport.h"
 #include "../support/ZlibSupport.h"
+#include "VolumeTransformSupport.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -42,6 +44,10 @@ struct NiftiFile
     Real32 inter      = 0.f;
     Int32  sizeofHdr  = 348;
     const char *magic = "n+1";
+    Int16  qformCode  = 0;
+    Int16  sformCode  = 0;
+    Real32 quatern[6] = {0, 0, 0, 0, 0, 0}; // b, c, d, offsets x, y, z
+    Real32 srow[12]   = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
 
     std::string head;
 
@@ -68,6 +74,12 @@ struct NiftiFile
         put(108, voxOffset);
         put(112, slope);
         put(116, inter);
+        put(252, qformCode);
+        put(254, sformCode);
+        for(int i = 0; i < 6; ++i)
+            put(256 + 4 * i, quatern[i]);
+        for(int i = 0; i < 12; ++i)
+            put(280 + 4 * i, srow[i]);
         std::memcpy(&head[344], magic, std::strlen(magic) + 1);
         return head + voxels;
     }
@@ -140,6 +152,12 @@ class NIfTIFile : public ::testing::Test
 
     std::vector<ImagePtr> _images;
 };
+
+/// NIfTI stores its forms as floats.
+void expectNiftiTransform(const std::vector<double> &got, const std::vector<double> &want)
+{
+    voltest::expectTransform(got, want, 1e-5);
+}
 
 template <class T> T niftiVoxel(ImagePtr image, int x, int y, int z)
 {
@@ -486,4 +504,113 @@ TEST_F(NIfTIFile, StreamsOfPlainAndCompressedFilesRead)
     LogCapture         log;
     EXPECT_EQ(ImageFileHandler::the().read(cut, "image/x-nifti"), NullFC);
     EXPECT_TRUE(contains(log.take(), "holds 8 of the 60 voxel bytes"));
+}
+
+TEST_F(NIfTIFile, TheSformQformOrPixdimGiveTheVoxelToWorldMatrix)
+{
+    // pixdim 0.5 0.75 2.5 (the builder's), voxels of a 3 x 4 x 5 uint8 volume
+    const std::string voxels(3 * 4 * 5, '\1');
+    const double      s    = std::sqrt(0.5);
+
+    struct Case
+    {
+        const char         *name;
+        std::function<void(NiftiFile &)> set;
+        std::vector<double> want;
+        const char         *warning;
+    };
+    const Case cases[] = {
+        {"neither form: the pixdim scaling", [](NiftiFile &) {},
+         {0.5, 0, 0, 0, 0, 0.75, 0, 0, 0, 0, 2.5, 0}, nullptr},
+        {"qform without rotation, offsets",
+         [](NiftiFile &f) {
+             f.qformCode = 1;
+             f.quatern[3] = -10.f, f.quatern[4] = 20.f, f.quatern[5] = 3.5f;
+         },
+         {0.5, 0, 0, -10, 0, 0.75, 0, 20, 0, 0, 2.5, 3.5}, nullptr},
+        {"qfac -1 turns the slice axis over",
+         [](NiftiFile &f) {
+             f.qformCode = 1;
+             f.pixdim[0] = -1.f;
+         },
+         {0.5, 0, 0, 0, 0, 0.75, 0, 0, 0, 0, -2.5, 0}, nullptr},
+        {"qform turned 90 degrees about z",
+         [s](NiftiFile &f) {
+             f.qformCode  = 2;
+             f.quatern[2] = Real32(s); // d = sin 45, a = cos 45
+             f.quatern[3] = 1.f;
+         },
+         {0, -0.75, 0, 1, 0.5, 0, 0, 0, 0, 0, 2.5, 0}, nullptr},
+        {"qform turned 180 degrees about x (a = 0)",
+         [](NiftiFile &f) {
+             f.qformCode  = 1;
+             f.quatern[0] = 1.f;
+         },
+         {0.5, 0, 0, 0, 0, -0.75, 0, 0, 0, 0, -2.5, 0}, nullptr},
+        {"the sform wins over the qform",
+         [](NiftiFile &f) {
+             f.qformCode  = 1;
+             f.quatern[3] = 99.f;
+             f.sformCode  = 4;
+             const Real32 rows[12] = {0, 0, -2.5f, 90, -0.5f, 0, 0, 126, 0, 0.75f, 0, -72};
+             std::copy(rows, rows + 12, f.srow);
+         },
+         {0, 0, -2.5, 90, -0.5, 0, 0, 126, 0, 0.75, 0, -72}, nullptr},
+        {"an sform that is not finite gives way to the qform",
+         [](NiftiFile &f) {
+             f.sformCode  = 1;
+             f.srow[5]    = NAN;
+             f.qformCode  = 1;
+             f.quatern[5] = 7.f;
+         },
+         {0.5, 0, 0, 0, 0, 0.75, 0, 0, 0, 0, 2.5, 7},
+         "NIfTI: the sform holds values that are not finite; it is not used"},
+    };
+
+    for(const Case &c : cases)
+    {
+        for(bool big : {false, true})
+        {
+            SCOPED_TRACE(std::string(c.name) + (big ? ", big endian" : ""));
+            NiftiFile file;
+            file.big = big;
+            c.set(file);
+            const std::string path = scratchPath(std::string("form") + (big ? "b" : "l") + ".nii");
+            writeNifti(path, file.bytes(voxels));
+
+            LogCapture log;
+            ImagePtr   image = load(path);
+            ASSERT_NE(image, NullFC);
+            expectNiftiTransform(voltest::transformOf(image), c.want);
+            // the voxels keep their order and the spacing stays pixdim's
+            EXPECT_EQ(image->getWidth(), 3);
+            EXPECT_EQ(*image->findAttachmentField("SliceThickness"), "0.5 0.75 2.5");
+            const std::string text = log.take();
+            if(c.warning != nullptr)
+                EXPECT_TRUE(contains(text, c.warning)) << text;
+            else
+                EXPECT_EQ(text, "");
+        }
+    }
+
+    // the writer keeps the matrix as its sform, and a stream reads it too
+    NiftiFile file;
+    file.sformCode        = 1;
+    const Real32 rows[12] = {0, 0.75f, 0, -4, 0.5f, 0, 0, 5, 0, 0, -2.5f, 6};
+    std::copy(rows, rows + 12, file.srow);
+    const std::string path = scratchPath("form-source.nii");
+    writeNifti(path, file.bytes(voxels));
+    ImagePtr image = load(path);
+    ASSERT_NE(image, NullFC);
+    const std::string copy = scratchPath("form-copy.nii.gz");
+    ASSERT_TRUE(image->write(copy.c_str()));
+    ImagePtr back = load(copy);
+    ASSERT_NE(back, NullFC);
+    expectNiftiTransform(voltest::transformOf(back), {0, 0.75, 0, -4, 0.5, 0, 0, 5, 0, 0, -2.5, 6});
+
+    std::istringstream in(readNifti(path));
+    ImagePtr           streamed = ImageFileHandler::the().read(in, "image/x-nifti");
+    ASSERT_NE(streamed, NullFC);
+    _images.push_back(streamed);
+    expectNiftiTransform(voltest::transformOf(streamed), {0, 0.75, 0, -4, 0.5, 0, 0, 5, 0, 0, -2.5, 6});
 }
