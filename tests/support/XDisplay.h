@@ -22,8 +22,10 @@ namespace corvanetest
 /// returns "" when it does, otherwise why not. A DISPLAY that answers is
 /// used as it is; otherwise (unset, or nothing there) the first call starts
 /// a private Xvfb (`Xvfb -displayfd FD -screen 0 1024x768x24 -nolisten
-/// tcp`), points DISPLAY at it, and stops it when the process exits (the
-/// server also dies with the process if that is killed).
+/// tcp -noreset`), points DISPLAY at it, and stops it when the process
+/// exits (the server also dies with the process if that is killed).
+/// -noreset: an X server otherwise resets when its last client leaves, and
+/// refuses connections for a moment while it does.
 inline const std::string &ensureXDisplay()
 {
     struct Server
@@ -67,7 +69,8 @@ inline const std::string &ensureXDisplay()
                     dup2(devnull, 2);
                 }
                 execlp("Xvfb", "Xvfb", "-displayfd", "3", "-screen", "0",
-                       "1024x768x24", "-nolisten", "tcp", static_cast<char *>(nullptr));
+                       "1024x768x24", "-nolisten", "tcp", "-noreset",
+                       static_cast<char *>(nullptr));
                 _exit(127);
             }
             close(fds[1]);
