@@ -30,3 +30,8 @@ Int32 firstVertex(TriangleIterator &it)
 {
     return it.getPrimitiveIterator().getVertexIndex(0);
 }
+
+bool lookFrom(Matrix &m, const Pnt3f &from)
+{
+    return !navigatorLookAtFailed(m, from, Pnt3f(0, 0, 0), Vec3f(0, 1, 0));
+}
