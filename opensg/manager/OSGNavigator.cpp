@@ -443,6 +443,16 @@ void Navigator::noneFromFrame(Pnt3f &from, Pnt3f &at, Vec3f &up)
     up   = Vec3f(_noneMatrix[1][0], _noneMatrix[1][1], _noneMatrix[1][2]);
 }
 
+// Replaces one of the NONE camera's from, at and up.
+void Navigator::setNone(const Pnt3f *new_from, const Pnt3f *new_at, const Vec3f *new_up)
+{
+    Pnt3f from, at;
+    Vec3f up;
+    noneFromFrame(from, at, up);
+    navigatorLookAtFailed(_noneMatrix, new_from ? *new_from : from, new_at ? *new_at : at,
+                          new_up ? *new_up : up);
+}
+
 void Navigator::setFrom(Pnt3f new_from)
 {
     switch(_currentMode)
@@ -450,14 +460,7 @@ void Navigator::setFrom(Pnt3f new_from)
         case TRACKBALL: _trackball.setFrom(new_from); break;
         case FLY:       _flyer.setFrom(new_from);     break;
         case WALK:      _walker.setFrom(new_from);    break;
-        case NONE:
-        {
-            Pnt3f from, at;
-            Vec3f up;
-            noneFromFrame(from, at, up);
-            navigatorLookAtFailed(_noneMatrix, new_from, at, up);
-            break;
-        }
+        case NONE:      setNone(&new_from, NULL, NULL); break;
     }
 }
 
@@ -468,14 +471,7 @@ void Navigator::setAt(Pnt3f new_at)
         case TRACKBALL: _trackball.setAt(new_at); break;
         case FLY:       _flyer.setAt(new_at);     break;
         case WALK:      _walker.setAt(new_at);    break;
-        case NONE:
-        {
-            Pnt3f from, at;
-            Vec3f up;
-            noneFromFrame(from, at, up);
-            navigatorLookAtFailed(_noneMatrix, from, new_at, up);
-            break;
-        }
+        case NONE:      setNone(NULL, &new_at, NULL); break;
     }
 }
 
@@ -486,14 +482,7 @@ void Navigator::setUp(Vec3f new_up)
         case TRACKBALL: _trackball.setUp(new_up); break;
         case FLY:       _flyer.setUp(new_up);     break;
         case WALK:      _walker.setUp(new_up);    break;
-        case NONE:
-        {
-            Pnt3f from, at;
-            Vec3f up;
-            noneFromFrame(from, at, up);
-            navigatorLookAtFailed(_noneMatrix, from, at, new_up);
-            break;
-        }
+        case NONE:      setNone(NULL, NULL, &new_up); break;
     }
 }
 

@@ -126,6 +126,7 @@ class Navigator
     /// Pixel size of the viewport, false if there is none or it is empty.
     bool viewportSize(Real32 &width, Real32 &height);
     void noneFromFrame(Pnt3f &from, Pnt3f &at, Vec3f &up);
+    void setNone(const Pnt3f *new_from, const Pnt3f *new_at, const Vec3f *new_up);
 
     Real32 _rRotationAngle;
     Real32 _rMotionFactor;

@@ -329,6 +329,36 @@ TEST_F(ManagerTest, FlyModeTurnsAndFlies)
     EXPECT_TRUE(matrixNear(beaconMatrix(*mgr), here, 5e-6f));
 }
 
+// NONE mode: the mouse does nothing; set(from, at, up) puts the camera at
+// 'at', looking away from 'from'; setFrom keeps the camera's target (one
+// unit ahead) and its up axis.
+TEST_F(ManagerTest, NoneModeHoldsTheCamera)
+{
+    mgr->setRoot(makeTutorialTorus());
+    mgr->showAll();
+    mgr->redraw();
+
+    mgr->setNavigationMode(Navigator::NONE);
+    mgr->mouseButtonPress(SimpleSceneManager::MouseLeft, 150, 150);
+    mgr->mouseMove(200, 100);
+    mgr->mouseButtonRelease(SimpleSceneManager::MouseLeft, 200, 100);
+    mgr->key('y', 0, 0);
+    mgr->redraw();
+    EXPECT_TRUE(matrixNear(beaconMatrix(*mgr), tutorialStart()));
+
+    Navigator *nav = mgr->getNavigator();
+    nav->set(Pnt3f(0.f, 0.f, 5.f), Pnt3f(1.f, 2.f, 3.f), Vec3f(0.f, 1.f, 0.f));
+    mgr->redraw();
+    EXPECT_TRUE(matrixNear(beaconMatrix(*mgr),
+                           lookAt(Vec3f(1.f, 2.f, 3.f), Vec3f(2.f, 4.f, 1.f), Vec3f(0.f, 1.f, 0.f))));
+
+    const Pnt3f at = nav->getAt();
+    const Vec3f up = nav->getUp();
+    nav->setFrom(Pnt3f(4.f, 2.f, 3.f));
+    mgr->redraw();
+    EXPECT_TRUE(matrixNear(beaconMatrix(*mgr), lookAt(Vec3f(4.f, 2.f, 3.f), at.subZero(), up), 1e-5f));
+}
+
 // Walk mode keeps the eye at ground distance + height above the ground and
 // refuses a step that comes too close to a wall.
 TEST_F(ManagerTest, WalkModeFollowsTheGroundAndStopsAtWalls)
