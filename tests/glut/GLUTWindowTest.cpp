@@ -191,6 +191,8 @@ class GlutTest : public ::testing::Test
 
     void TearDown(void) override
     {
+        if(!glutReady().empty())
+            return;
         delete mgr;
         mgr = NULL;
         if(gwin != NullFC)
