@@ -20,7 +20,6 @@
 #include <stdlib.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <functional>
 #include <string>
 
@@ -268,7 +267,8 @@ class GlutTest : public ::testing::Test
 TEST_F(GlutTest, TutorialProgramShowsTheHeadlessPicture)
 {
     const std::vector<RGBA> reference = headlessTutorialFrame(W, H);
-    ASSERT_FALSE(reference.empty()) << "no EGL context for the reference";
+    if(reference.empty())
+        GTEST_SKIP() << "no EGL context for the headless reference";
 
     openTutorial();
     redisplay();
@@ -319,6 +319,8 @@ TEST_F(GlutTest, ZeroSizeAndReshape)
         mgr->mouseMove(10, 10);
         mgr->mouseButtonRelease(SimpleSceneManager::MouseLeft, 10, 10);
         mgr->redraw();
+        // nothing to draw and nothing to complain about
+        EXPECT_EQ(log.take(), "");
     }
     EXPECT_TRUE(matrixNear(beaconMatrix(*mgr), before, 0.f));
 
@@ -451,7 +453,8 @@ class XWindowTest : public ::testing::Test
 TEST_F(XWindowTest, RendersTheHeadlessPicture)
 {
     const std::vector<RGBA> reference = headlessTutorialFrame(W, H);
-    ASSERT_FALSE(reference.empty()) << "no EGL context for the reference";
+    if(reference.empty())
+        GTEST_SKIP() << "no EGL context for the headless reference";
 
     openXWindow();
     xwin = XWindow::create();
