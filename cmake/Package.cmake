@@ -1,14 +1,16 @@
 # Installation and the package files that let applications build against
 # an installed tree:
 #
-#   <prefix>/lib/libOSGBase.so.V, libOSGSystem.so.V, libCorvane.so.V
+#   <prefix>/lib/libOSGBase.so.V, libOSGSystem.so.V, libCorvane.so.V,
+#                                   libOSGWindowGLUT.so.V, libOSGWindowX.so.V
 #   <prefix>/include/OpenSG/        every public header, the generated
 #                                   <Class>Base/<Class>Fields ones included
 #   <prefix>/bin/corvane, osg-config
 #   <prefix>/share/corvane/         transfer-function presets and sample
 #                                   volumes, the sample plug-in's source
 #   <prefix>/lib/cmake/Corvane/     find_package(Corvane)
-#   <prefix>/lib/pkgconfig/         corvane.pc, OSGBase.pc, OSGSystem.pc
+#   <prefix>/lib/pkgconfig/         corvane.pc, OSGBase.pc, OSGSystem.pc,
+#                                   OSGWindowGLUT.pc, OSGWindowX.pc
 #
 # Every path written into the package files is relative to the file
 # itself, so a tree installed with `cmake --install build --prefix P` can
@@ -24,7 +26,8 @@ set(CORVANE_INSTALL_PKGCONFIGDIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 # 0.x releases may change the ABI with the minor version, so the SONAME
 # carries both (libCorvane.so.0.1).
 set(CORVANE_SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
-foreach(_lib OSGBase OSGSystem Corvane)
+set(CORVANE_LIBRARIES OSGBase OSGSystem OSGWindowGLUT OSGWindowX Corvane)
+foreach(_lib ${CORVANE_LIBRARIES})
   set_target_properties(${_lib} PROPERTIES
     VERSION ${PROJECT_VERSION} SOVERSION ${CORVANE_SOVERSION})
   add_library(Corvane::${_lib} ALIAS ${_lib})
@@ -32,11 +35,12 @@ endforeach()
 # The two upper libraries find the ones below in their own folder. OSGBase
 # needs no run path, and must have none: its SharedLibrary opens plug-ins,
 # and dlopen reads the program's RPATH only for a caller without a RUNPATH.
-set_target_properties(OSGSystem Corvane PROPERTIES INSTALL_RPATH "$ORIGIN")
+set_target_properties(OSGSystem OSGWindowGLUT OSGWindowX Corvane PROPERTIES
+                      INSTALL_RPATH "$ORIGIN")
 # the headers use C++17 (if constexpr in the field templates)
 target_compile_features(OSGBase PUBLIC cxx_std_17)
 
-install(TARGETS OSGBase OSGSystem Corvane EXPORT CorvaneTargets
+install(TARGETS ${CORVANE_LIBRARIES} EXPORT CorvaneTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
@@ -45,7 +49,7 @@ install(TARGETS OSGBase OSGSystem Corvane EXPORT CorvaneTargets
 file(GLOB_RECURSE _headers CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/opensg/*.h ${PROJECT_SOURCE_DIR}/opensg/*.inl
   ${PROJECT_SOURCE_DIR}/corvane/*.h ${PROJECT_SOURCE_DIR}/corvane/*.inl)
-foreach(_lib OSGBase OSGSystem Corvane)
+foreach(_lib ${CORVANE_LIBRARIES})
   get_target_property(_srcs ${_lib} SOURCES)
   foreach(_s ${_srcs})
     if(_s MATCHES "^${OSG_GEN_DIR}/.*\\.(h|inl)$")
@@ -91,7 +95,7 @@ set(CORVANE_DL_FLAGS)
 foreach(_l ${CMAKE_DL_LIBS})
   string(APPEND CORVANE_DL_FLAGS " -l${_l}")
 endforeach()
-foreach(_pc OSGBase OSGSystem corvane)
+foreach(_pc OSGBase OSGSystem OSGWindowGLUT OSGWindowX corvane)
   configure_file(${CMAKE_CURRENT_LIST_DIR}/package/${_pc}.pc.in
                  ${PROJECT_BINARY_DIR}/package/${_pc}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/package/${_pc}.pc

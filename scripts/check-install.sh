@@ -2,7 +2,8 @@
 # Checks the installed package from the outside: installs a built tree into a
 # temporary prefix, builds examples/ out of tree against it with CMake
 # (find_package) and with pkg-config, runs the example and checks its PNG,
-# compiles and links a minimal OpenSG program with osg-config's flags, runs
+# compiles and links a minimal OpenSG program and a GLUT program written as
+# OpenSG's first tutorial with osg-config's flags, runs
 # the installed corvane from a moved copy of the prefix, and checks that an
 # install into a prefix without write access fails cleanly.
 #
@@ -27,7 +28,7 @@ for d in lib lib64 "lib/$(uname -m)-linux-gnu"; do
   [ -e "$prefix/$d/libCorvane.so" ] && libdir=$d
 done
 [ -n "$libdir" ] || fail "no libCorvane.so in $prefix"
-for lib in OSGBase OSGSystem Corvane; do
+for lib in OSGBase OSGSystem OSGWindowGLUT OSGWindowX Corvane; do
   so=$prefix/$libdir/lib$lib.so
   [ -L "$so" ] || fail "lib$lib.so is not the development link"
   soname=$(readelf -d "$so" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p')
@@ -39,7 +40,10 @@ for f in include/OpenSG/OSGConfig.h include/OpenSG/OSGVolumeNode.h \
          include/OpenSG/OSGVolumeNodeFields.h bin/corvane bin/osg-config \
          share/corvane/ramp.tf share/corvane/plugins/FlowerPlugin.cpp \
          "$libdir/cmake/Corvane/CorvaneConfig.cmake" "$libdir/pkgconfig/corvane.pc" \
-         "$libdir/pkgconfig/OSGBase.pc" "$libdir/pkgconfig/OSGSystem.pc"; do
+         "$libdir/pkgconfig/OSGBase.pc" "$libdir/pkgconfig/OSGSystem.pc" \
+         "$libdir/pkgconfig/OSGWindowGLUT.pc" "$libdir/pkgconfig/OSGWindowX.pc" \
+         include/OpenSG/OSGGLUT.h include/OpenSG/OSGGLUTWindowBase.h \
+         include/OpenSG/OSGXWindowBase.h include/OpenSG/OSGSimpleSceneManager.h; do
   [ -e "$prefix/$f" ] || fail "$f is not installed"
 done
 # every header of the sources and every generated one, as a file
@@ -103,8 +107,60 @@ c++ $("$osgconfig" --cflags System) -o "$work/minimal-l" "$work/minimal.cpp" \
 "$work/minimal-l" || fail "the program linked with osg-config --llibs failed"
 [ "$("$osgconfig" --version)" = "$(sed -n 's/^Version: //p' "$prefix/$libdir/pkgconfig/corvane.pc")" ] \
   || fail "osg-config --version differs from corvane.pc"
-if "$osgconfig" --libs GLUT > "$work/glut.log" 2>&1; then fail "osg-config accepts an unknown library"; fi
-grep -q "unknown library 'GLUT'" "$work/glut.log" || fail "osg-config: no clear error for an unknown library"
+if "$osgconfig" --libs QT > "$work/qt.log" 2>&1; then fail "osg-config accepts an unknown library"; fi
+grep -q "unknown library 'QT'" "$work/qt.log" || fail "osg-config: no clear error for an unknown library"
+
+echo "== a GLUT program in the style of OpenSG's first tutorial, through osg-config"
+cat > "$work/hello.cpp" <<'CPP'
+#include <OpenSG/OSGGLUT.h>
+#include <OpenSG/OSGConfig.h>
+#include <OpenSG/OSGSimpleGeometry.h>
+#include <OpenSG/OSGGLUTWindow.h>
+#include <OpenSG/OSGSimpleSceneManager.h>
+OSG_USING_NAMESPACE
+SimpleSceneManager *mgr;
+void display(void) { mgr->redraw(); }
+void reshape(int w, int h) { mgr->resize(w, h); glutPostRedisplay(); }
+void mouse(int button, int state, int x, int y)
+{
+    if(state) mgr->mouseButtonRelease(button, x, y);
+    else      mgr->mouseButtonPress(button, x, y);
+    glutPostRedisplay();
+}
+void motion(int x, int y) { mgr->mouseMove(x, y); glutPostRedisplay(); }
+int main(int argc, char **argv)
+{
+    osgInit(argc, argv);
+    glutInit(&argc, argv);
+    glutInitDisplayMode(GLUT_RGB | GLUT_DEPTH | GLUT_DOUBLE);
+    int winid = glutCreateWindow("OpenSG");
+    glutReshapeFunc(reshape);
+    glutDisplayFunc(display);
+    glutMouseFunc(mouse);
+    glutMotionFunc(motion);
+    GLUTWindowPtr gwin = GLUTWindow::create();
+    gwin->setId(winid);
+    gwin->init();
+    NodePtr scene = makeTorus(.5, 2, 16, 16);
+    mgr = new SimpleSceneManager;
+    mgr->setWindow(gwin);
+    mgr->setRoot(scene);
+    mgr->showAll();
+    glutMainLoop();
+    return 0;
+}
+CPP
+# shellcheck disable=SC2046
+c++ -o "$work/hello" "$work/hello.cpp" $("$osgconfig" --cflags --libs --llibs Base System GLUT) \
+  || fail "a GLUT program does not link with osg-config --libs Base System GLUT"
+for lib in OSGBase OSGSystem OSGWindowGLUT glut; do
+  readelf -d "$work/hello" | grep -q "NEEDED.*lib$lib\.so" || fail "the GLUT program does not link lib$lib"
+done
+# without a display it says so and ends with an error status, no crash
+status=0
+env DISPLAY=:4711 "$work/hello" > "$work/hello.log" 2>&1 || status=$?
+[ "$status" -ge 1 ] && [ "$status" -lt 128 ] || { cat "$work/hello.log"; fail "the GLUT program without a display ended with status $status"; }
+grep -q "failed to open display" "$work/hello.log" || { cat "$work/hello.log"; fail "no clear line without a display"; }
 
 echo "== the installed corvane, moved with its prefix"
 mv "$prefix" "$work/moved"
