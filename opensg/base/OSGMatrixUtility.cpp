@@ -86,20 +86,19 @@ bool MatrixOrthogonal(Matrix &result, Real32 rLeft, Real32 rRight,
 
 bool MatrixLookAt(Matrix &result, Pnt3f from, Pnt3f at, Vec3f up)
 {
+    // true means failure: up along the view direction (or from == at)
+    // leaves the matrix as it was
     Vec3f view = from - at;
-    Vec3f right = up.cross(view);
-    if(view.length() < Eps || right.length() < Eps * view.length())
-    {
-        result.setIdentity();
-        return false;
-    }
     view.normalize();
+    Vec3f right = up.cross(view);
+    if(right.dot(right) < Eps)
+        return true;
     right.normalize();
     Vec3f newUp = view.cross(right);
 
     result.setIdentity();
     result.setValue(right, newUp, view, from.subZero());
-    return true;
+    return false;
 }
 
 bool MatrixLookAt(Matrix &result, Real32 fromx, Real32 fromy, Real32 fromz,

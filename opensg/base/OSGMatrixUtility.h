@@ -24,8 +24,9 @@ bool MatrixOrthogonal(Matrix &result, Real32 rLeft, Real32 rRight,
 
 /// The camera-to-world matrix of a camera at from looking at at: columns
 /// x, y, z (z = normalised from - at, the camera looks down -z) and the
-/// position from. Its inverse is the view matrix. from == at or up parallel
-/// to the view direction: identity, false.
+/// position from. Its inverse is the view matrix. Returns false on
+/// success; from == at or up parallel to the view direction: true, and
+/// result is left as it was.
 bool MatrixLookAt(Matrix &result, Pnt3f from, Pnt3f at, Vec3f up);
 bool MatrixLookAt(Matrix &result, Real32 fromx, Real32 fromy, Real32 fromz,
                   Real32 atx, Real32 aty, Real32 atz, Real32 upx, Real32 upy,

@@ -1,6 +1,6 @@
 #include <OpenSG/OSGFlyNavigator.h>
 
-#include <OpenSG/OSGNavigatorLookAt.h>
+#include <OpenSG/OSGMatrixUtility.h>
 #include <OpenSG/OSGQuaternion.h>
 
 OSG_BEGIN_NAMESPACE
@@ -19,7 +19,7 @@ FlyNavigator::~FlyNavigator(void)
 
 Matrix &FlyNavigator::getMatrix(void)
 {
-    navigatorLookAtFailed(_tMatrix, _rFrom, _rAt, _vUp);
+    MatrixLookAt(_tMatrix, _rFrom, _rAt, _vUp);
     return _tMatrix;
 }
 

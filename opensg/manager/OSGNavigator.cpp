@@ -3,7 +3,7 @@
 #include <OpenSG/OSGBaseFunctions.h>
 #include <OpenSG/OSGCamera.h>
 #include <OpenSG/OSGLog.h>
-#include <OpenSG/OSGNavigatorLookAt.h>
+#include <OpenSG/OSGMatrixUtility.h>
 #include <OpenSG/OSGPlane.h>
 #include <OpenSG/OSGTransform.h>
 #include <OpenSG/OSGWindow.h>
@@ -449,7 +449,7 @@ void Navigator::setNone(const Pnt3f *new_from, const Pnt3f *new_at, const Vec3f 
     Pnt3f from, at;
     Vec3f up;
     noneFromFrame(from, at, up);
-    navigatorLookAtFailed(_noneMatrix, new_from ? *new_from : from, new_at ? *new_at : at,
+    MatrixLookAt(_noneMatrix, new_from ? *new_from : from, new_at ? *new_at : at,
                           new_up ? *new_up : up);
 }
 
@@ -505,7 +505,7 @@ void Navigator::set(Pnt3f new_from, Pnt3f new_at, Vec3f new_up)
         case FLY:       _flyer.set(new_from, new_at, new_up);     break;
         case WALK:      _walker.set(new_from, new_at, new_up);    break;
         case NONE:
-            if(navigatorLookAtFailed(_noneMatrix, new_at, new_at + (new_at - new_from), new_up))
+            if(MatrixLookAt(_noneMatrix, new_at, new_at + (new_at - new_from), new_up))
                 FNOTICE(("Navigator: set(.,.,.) failed\n"));
             break;
     }

@@ -2,7 +2,7 @@
 
 #include <OpenSG/OSGBaseFunctions.h>
 #include <OpenSG/OSGLog.h>
-#include <OpenSG/OSGNavigatorLookAt.h>
+#include <OpenSG/OSGMatrixUtility.h>
 #include <OpenSG/OSGQuaternion.h>
 
 OSG_BEGIN_NAMESPACE
@@ -69,7 +69,7 @@ void TrackballNavigator::set(Pnt3f new_from, Pnt3f new_at, Vec3f new_up)
     // the frame sits at the centre with its z axis pointing at the eye
     const Pnt3f behind = new_at + (new_at - new_from);
 
-    if(navigatorLookAtFailed(_tMatrix, new_at, behind, new_up))
+    if(MatrixLookAt(_tMatrix, new_at, behind, new_up))
     {
         FNOTICE(("TrackballNavigator: set(.,.,.), failed"));
         return;

@@ -538,15 +538,21 @@ TEST(MatrixUtility, OrthogonalAndFrustumMapTheBoxToNdc)
 TEST(MatrixUtility, LookAtBuildsCameraToWorld)
 {
     Matrix m;
-    ASSERT_TRUE(MatrixLookAt(m, Pnt3f(0, 0, 5), Pnt3f(0, 0, 0), Vec3f(0, 1, 0)));
+    // false is success, as in OpenSG
+    ASSERT_FALSE(MatrixLookAt(m, Pnt3f(0, 0, 5), Pnt3f(0, 0, 0), Vec3f(0, 1, 0)));
     EXPECT_EQ(m, translation(0, 0, 5));
 
-    ASSERT_TRUE(MatrixLookAt(m, 1, 2, 3, 4, 2, 3, 0, 0, 1));
+    ASSERT_FALSE(MatrixLookAt(m, 1, 2, 3, 4, 2, 3, 0, 0, 1));
     EXPECT_EQ(m * Pnt3f(0, 0, 0), Pnt3f(1, 2, 3));   // camera position
     EXPECT_EQ(m * Vec3f(0, 0, -1), Vec3f(1, 0, 0));  // looks down -z
     EXPECT_EQ(m * Vec3f(0, 1, 0), Vec3f(0, 0, 1));   // up stays up
     EXPECT_NEAR(m.det3(), 1.f, 1e-6f);
 
-    EXPECT_FALSE(MatrixLookAt(m, Pnt3f(0, 0, 0), Pnt3f(0, 1, 0), Vec3f(0, 1, 0)));
-    EXPECT_EQ(m, Matrix::identity());
+    // up along the view direction, or no direction at all: failure, and
+    // the matrix is left as it was
+    const Matrix before = m;
+    EXPECT_TRUE(MatrixLookAt(m, Pnt3f(0, 0, 0), Pnt3f(0, 1, 0), Vec3f(0, 1, 0)));
+    EXPECT_EQ(m, before);
+    EXPECT_TRUE(MatrixLookAt(m, Pnt3f(1, 1, 1), Pnt3f(1, 1, 1), Vec3f(0, 1, 0)));
+    EXPECT_EQ(m, before);
 }

@@ -35,8 +35,3 @@ void MyTransform::initMethod(void)
 {
     registerFunctors(getClassType());
 }
-
-bool lookFrom(Matrix &m, const Pnt3f &from)
-{
-    return !navigatorLookAtFailed(m, from, Pnt3f(0, 0, 0), Vec3f(0, 1, 0));
-}
