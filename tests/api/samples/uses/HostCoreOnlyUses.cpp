@@ -4,6 +4,7 @@
 #include <OpenSG/OSGTextureChunk.h>
 #include <OpenSG/OSGSHLChunk.h>
 #include <OpenSG/OSGGL.h>
+#include <OpenSG/OSGSceneFileHandler.h>
 
 OSG_USING_NAMESPACE
 
@@ -29,4 +30,9 @@ void fill(TextureChunkPtr tex, SHLChunkPtr shl)
 Int32 firstVertex(TriangleIterator &it)
 {
     return it.getPrimitiveIterator().getVertexIndex(0);
+}
+
+void limitScenes(void)
+{
+    SceneFileHandler::the().setMaxTriangles(1000000);
 }
