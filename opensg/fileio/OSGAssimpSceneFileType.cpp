@@ -632,13 +632,14 @@ GeometryPtr SceneBuilder::geometry(UInt32 meshIndex)
         endEditCP(colors);
     }
 
-    // points, lines and triangles each in one primitive, polygons (left
-    // when a face could not be triangulated) one each
-    std::vector<UInt32> byCorners[4], polygons, polygonLengths;
+    // points, lines and triangles each in one primitive; polygons become
+    // fans of triangles (Assimp's own triangulation aborts on some
+    // malformed faces)
+    std::vector<UInt32> byCorners[4];
 
     for(UInt32 f = 0; f < mesh->mNumFaces; ++f)
     {
-        const aiFace &face = mesh->mFaces[f];
+        const aiFace &face  = mesh->mFaces[f];
         bool          valid = face.mNumIndices > 0 && face.mIndices != NULL;
 
         for(UInt32 k = 0; valid && k < face.mNumIndices; ++k)
@@ -646,11 +647,18 @@ GeometryPtr SceneBuilder::geometry(UInt32 meshIndex)
         if(!valid)
             continue;
 
-        std::vector<UInt32> &into =
-            face.mNumIndices <= 3 ? byCorners[face.mNumIndices] : polygons;
-        into.insert(into.end(), face.mIndices, face.mIndices + face.mNumIndices);
-        if(face.mNumIndices > 3)
-            polygonLengths.push_back(face.mNumIndices);
+        if(face.mNumIndices <= 3)
+        {
+            std::vector<UInt32> &into = byCorners[face.mNumIndices];
+            into.insert(into.end(), face.mIndices, face.mIndices + face.mNumIndices);
+            continue;
+        }
+        for(UInt32 k = 1; k + 1 < face.mNumIndices; ++k)
+        {
+            byCorners[3].push_back(face.mIndices[0]);
+            byCorners[3].push_back(face.mIndices[k]);
+            byCorners[3].push_back(face.mIndices[k + 1]);
+        }
     }
 
     GeoIndicesUI32Ptr  index = GeoIndicesUI32::create();
@@ -662,7 +670,7 @@ GeometryPtr SceneBuilder::geometry(UInt32 meshIndex)
     beginEditCP(types);
     beginEditCP(lens);
     index->getField().reserve(byCorners[1].size() + byCorners[2].size() +
-                              byCorners[3].size() + polygons.size());
+                              byCorners[3].size());
     for(UInt32 n = 1; n <= 3; ++n)
     {
         if(byCorners[n].empty())
@@ -671,13 +679,6 @@ GeometryPtr SceneBuilder::geometry(UInt32 meshIndex)
             index->getField().push_back(i);
         types->getField().push_back(UInt8(kinds[n]));
         lens->getField().push_back(UInt32(byCorners[n].size()));
-    }
-    for(UInt32 i : polygons)
-        index->getField().push_back(i);
-    for(UInt32 length : polygonLengths)
-    {
-        types->getField().push_back(UInt8(GL_POLYGON));
-        lens->getField().push_back(length);
     }
     endEditCP(lens);
     endEditCP(types);
@@ -1076,29 +1077,37 @@ NodePtr AssimpSceneFileType::readMemory(const UInt8 *data, UInt64 size,
             new MeshIOSystem(data, size, mainName, fromFile ? name : std::string()));
 
         const aiScene *scene = importer.ReadFile(
-            mainName, aiProcess_Triangulate | aiProcess_JoinIdenticalVertices |
-                          aiProcess_GenSmoothNormals | aiProcess_SortByPType |
+            mainName, aiProcess_JoinIdenticalVertices | aiProcess_GenSmoothNormals |
                           aiProcess_ValidateDataStructure);
 
         if(scene == NULL || scene->mRootNode == NULL)
         {
-            SWARNING << "could not read " << what << "; "
-                     << importer.GetErrorString() << std::endl;
+            // one line, naming the file as the caller knows it
+            std::string why = importer.GetErrorString();
+            for(size_t at = why.find(mainName); at != std::string::npos;
+                at        = why.find(mainName))
+                why.replace(at, mainName.size(), fromFile ? volumeBaseNameOf(name)
+                                                          : std::string("the stream"));
+            std::replace(why.begin(), why.end(), '\n', ' ');
+            SWARNING << "could not read " << what << "; " << why << std::endl;
             return NullFC;
         }
 
+        // polygons count as the triangles they become
         UInt64 triangles = 0, vertices = 0;
         for(UInt32 i = 0; i < scene->mNumMeshes; ++i)
         {
-            triangles += scene->mMeshes[i]->mNumFaces;
-            vertices += scene->mMeshes[i]->mNumVertices;
+            const aiMesh *mesh = scene->mMeshes[i];
+            for(UInt32 f = 0; f < mesh->mNumFaces; ++f)
+                triangles += std::max<UInt32>(mesh->mFaces[f].mNumIndices, 3) - 2;
+            vertices += mesh->mNumVertices;
         }
 
         if(triangles > handler.getMaxTriangles() ||
            vertices > 3 * handler.getMaxTriangles())
         {
             SWARNING << "could not read " << what << "; " << triangles
-                     << " faces and " << vertices << " vertices, more than "
+                     << " triangles and " << vertices << " vertices, more than "
                      << "the budget of " << handler.getMaxTriangles()
                      << " triangles (see SceneFileHandler::setMaxTriangles)"
                      << std::endl;

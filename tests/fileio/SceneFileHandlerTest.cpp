@@ -622,7 +622,7 @@ TEST_F(SceneFiles, BudgetsRefuseWithOneLine)
     std::string log;
     EXPECT_EQ(readLogged(path("budget.obj"), log), NullFC);
     EXPECT_EQ(lineCount(log), 1u) << log;
-    EXPECT_NE(log.find("12 faces and 24 vertices, more than the budget of 11 triangles"),
+    EXPECT_NE(log.find("12 triangles and 24 vertices, more than the budget of 11 triangles"),
               std::string::npos) << log;
     h.setMaxTriangles(1);
     EXPECT_EQ(readLogged(path("budget.stl"), log), NullFC);

@@ -8,6 +8,7 @@
 #include <OpenSG/OSGGL.h>
 #include <OpenSG/OSGMatrixUtility.h>
 #include <OpenSG/OSGRenderAction.h>
+#include <OpenSG/OSGSceneFileHandler.h>
 #include <OpenSG/OSGSimpleGeometry.h>
 #include <OpenSG/OSGTextureChunk.h>
 #include <OpenSG/OSGTransform.h>
@@ -30,6 +31,31 @@ OSG_USING_NAMESPACE
 
 namespace corvane
 {
+
+/// The presets' folder: CORVANE_DATA_DIR from the environment; else, for an
+/// installed program, the data folder relative to the program's own
+/// (CORVANE_DATA_RELDIR, e.g. ../share/corvane); else the folder the build
+/// compiled in.
+std::string dataDirectory(void)
+{
+    const char *dir = getenv("CORVANE_DATA_DIR");
+    if(dir != NULL)
+        return dir;
+#ifdef CORVANE_DATA_RELDIR
+    char          self[4096];
+    const ssize_t n = readlink("/proc/self/exe", self, sizeof(self) - 1);
+    if(n > 0)
+    {
+        self[n] = 0;
+        const std::string exe  = self;
+        const std::string near = exe.substr(0, exe.rfind('/') + 1) + CORVANE_DATA_RELDIR;
+        struct stat       info;
+        if(stat(near.c_str(), &info) == 0 && S_ISDIR(info.st_mode))
+            return near;
+    }
+#endif
+    return CORVANE_DATA_DIR;
+}
 
 namespace
 {
@@ -60,31 +86,6 @@ class Progress
     bool _on;
 };
 
-/// The presets' folder: CORVANE_DATA_DIR from the environment; else, for an
-/// installed program, the data folder relative to the program's own
-/// (CORVANE_DATA_RELDIR, e.g. ../share/corvane); else the folder the build
-/// compiled in.
-std::string dataDir(void)
-{
-    const char *dir = getenv("CORVANE_DATA_DIR");
-    if(dir != NULL)
-        return dir;
-#ifdef CORVANE_DATA_RELDIR
-    char          self[4096];
-    const ssize_t n = readlink("/proc/self/exe", self, sizeof(self) - 1);
-    if(n > 0)
-    {
-        self[n] = 0;
-        const std::string exe  = self;
-        const std::string near = exe.substr(0, exe.rfind('/') + 1) + CORVANE_DATA_RELDIR;
-        struct stat       info;
-        if(stat(near.c_str(), &info) == 0 && S_ISDIR(info.st_mode))
-            return near;
-    }
-#endif
-    return CORVANE_DATA_DIR;
-}
-
 /// The built-in phantom, 8 bit, edge n.
 ImagePtr makePhantom(unsigned n)
 {
@@ -101,9 +102,9 @@ ImagePtr makePhantom(unsigned n)
 std::string transferFile(const std::string &name, bool sixteenBit)
 {
     if(name == "phantom" || name.empty())
-        return dataDir() + (sixteenBit ? "/phantom_bone_skin_u16.tf" : "/phantom_bone_skin_u8.tf");
+        return dataDirectory() + (sixteenBit ? "/phantom_bone_skin_u16.tf" : "/phantom_bone_skin_u8.tf");
     if(name == "ramp")
-        return dataDir() + "/ramp.tf";
+        return dataDirectory() + "/ramp.tf";
     return name;
 }
 
@@ -228,6 +229,19 @@ bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<
     }
     TextureChunkPtr table = h.keep(transfer.getTFTextureChunk());
 
+    // a mesh file, shown where the sphere would be
+    NodePtr meshFile = NullFC;
+    if(o.mesh && !o.meshFile.empty())
+    {
+        meshFile = SceneFileHandler::the().read(o.meshFile.c_str());
+        if(meshFile == NullFC)
+        {
+            error = "can't read the mesh '" + o.meshFile + "'";
+            return false;
+        }
+        h.keep(meshFile);
+    }
+
     EGLWindowPtr win = openWindow(h, o.width, o.height);
     if(win == NullFC)
     {
@@ -280,7 +294,26 @@ bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<
     applyStyle(h, volume, o.style);
     addChild(root, makeNodeFor(volume));
 
-    if(o.mesh)
+    if(meshFile != NullFC)
+    {
+        // scaled so that its longest side spans 0.8 of the volume's shortest
+        meshFile->updateVolume();
+        Pnt3f lo, hi;
+        meshFile->getVolume().getBounds(lo, hi);
+        const Vec3f  size   = hi - lo;
+        const Real32 side   = osgMax(osgMax(size[0], size[1]), osgMax(size[2], 1e-6f));
+        const Real32 scale  = 0.8f * osgMin(osgMin(extent[0], extent[1]), extent[2]) / side;
+        const Vec3f  centre = (lo.subZero() + hi.subZero()) * 0.5f;
+        NodePtr      moved  = makeNodeFor(Transform::create());
+        Matrix       m;
+        m.setTransform(-centre * scale, Quaternion(), Vec3f(scale, scale, scale));
+        beginEditCP(moved->getCore());
+        TransformPtr::dcast(moved->getCore())->setMatrix(m);
+        endEditCP(moved->getCore());
+        addChild(moved, meshFile);
+        addChild(root, moved);
+    }
+    else if(o.mesh)
     {
         NodePtr           ball = makeSphere(4, 0.42f);
         SimpleMaterialPtr mat  = SimpleMaterial::create();
