@@ -456,6 +456,23 @@ Real32 clamped(Real32 v, Real32 lo, Real32 hi)
     return std::isfinite(v) ? std::min(std::max(v, lo), hi) : lo;
 }
 
+/// A property of `count` values converted from Assimp's array `from`;
+/// NullFC when the mesh has no such array.
+template <class PropT, class SourceT, class ConvertT>
+typename PropT::Ptr copyAttribute(const SourceT *from, UInt32 count, ConvertT convert)
+{
+    if(from == NULL)
+        return NullFC;
+
+    typename PropT::Ptr prop = PropT::create();
+    beginEditCP(prop);
+    prop->getField().reserve(count);
+    for(UInt32 i = 0; i < count; ++i)
+        prop->getField().push_back(convert(from[i]));
+    endEditCP(prop);
+    return prop;
+}
+
 class SceneBuilder
 {
   public:
@@ -580,57 +597,15 @@ GeometryPtr SceneBuilder::geometry(UInt32 meshIndex)
     if(count == 0 || mesh->mVertices == NULL || mesh->mNumFaces == 0)
         return _geometries[meshIndex] = NullFC;
 
-    GeoPositions3fPtr pnts = GeoPositions3f::create();
-    beginEditCP(pnts);
-    pnts->getField().reserve(count);
-    for(UInt32 i = 0; i < count; ++i)
-    {
-        const aiVector3D &v = mesh->mVertices[i];
-        pnts->getField().push_back(Pnt3f(v.x, v.y, v.z));
-    }
-    endEditCP(pnts);
-
-    GeoNormals3fPtr norms = NullFC;
-    if(mesh->mNormals != NULL)
-    {
-        norms = GeoNormals3f::create();
-        beginEditCP(norms);
-        norms->getField().reserve(count);
-        for(UInt32 i = 0; i < count; ++i)
-        {
-            const aiVector3D &n = mesh->mNormals[i];
-            norms->getField().push_back(Vec3f(n.x, n.y, n.z));
-        }
-        endEditCP(norms);
-    }
-
-    GeoTexCoords2fPtr tex = NullFC;
-    if(mesh->mTextureCoords[0] != NULL)
-    {
-        tex = GeoTexCoords2f::create();
-        beginEditCP(tex);
-        tex->getField().reserve(count);
-        for(UInt32 i = 0; i < count; ++i)
-        {
-            const aiVector3D &t = mesh->mTextureCoords[0][i];
-            tex->getField().push_back(Vec2f(t.x, t.y));
-        }
-        endEditCP(tex);
-    }
-
-    GeoColors4fPtr colors = NullFC;
-    if(mesh->mColors[0] != NULL)
-    {
-        colors = GeoColors4f::create();
-        beginEditCP(colors);
-        colors->getField().reserve(count);
-        for(UInt32 i = 0; i < count; ++i)
-        {
-            const aiColor4D &c = mesh->mColors[0][i];
-            colors->getField().push_back(Color4f(c.r, c.g, c.b, c.a));
-        }
-        endEditCP(colors);
-    }
+    GeoPositions3fPtr pnts = copyAttribute<GeoPositions3f>(
+        mesh->mVertices, count, [](const aiVector3D &v) { return Pnt3f(v.x, v.y, v.z); });
+    GeoNormals3fPtr norms = copyAttribute<GeoNormals3f>(
+        mesh->mNormals, count, [](const aiVector3D &n) { return Vec3f(n.x, n.y, n.z); });
+    GeoTexCoords2fPtr tex = copyAttribute<GeoTexCoords2f>(
+        mesh->mTextureCoords[0], count, [](const aiVector3D &t) { return Vec2f(t.x, t.y); });
+    GeoColors4fPtr colors = copyAttribute<GeoColors4f>(
+        mesh->mColors[0], count,
+        [](const aiColor4D &c) { return Color4f(c.r, c.g, c.b, c.a); });
 
     // points, lines and triangles each in one primitive; polygons become
     // fans of triangles (Assimp's own triangulation aborts on some

@@ -75,7 +75,20 @@ inline GeometryPtr onlyGeometry(const NodePtr &root)
     return nodes.size() == 1 ? GeometryPtr::dcast(nodes[0]->getCore()) : NullFC;
 }
 
-typedef std::array<Real32, 9> Triangle;
+typedef std::array<Real32, 9>               Triangle;
+typedef std::array<std::array<Real32, 3>, 3> Corners;
+
+/// The triangle of three corners, rotated to start at its smallest corner
+/// (the winding kept): the same triangle always gives the same value.
+inline Triangle canonicalTriangle(const Corners &c)
+{
+    const Int32 first = Int32(std::min_element(c.begin(), c.end()) - c.begin());
+    Triangle    t;
+    for(Int32 k = 0; k < 3; ++k)
+        for(Int32 a = 0; a < 3; ++a)
+            t[k * 3 + a] = c[(first + k) % 3][a];
+    return t;
+}
 
 /// Every triangle of the graph in world space, each rotated to start at
 /// its smallest corner (winding kept) and rounded to 1e-4, sorted: two
@@ -91,7 +104,7 @@ inline std::vector<Triangle> worldTriangles(const NodePtr &root)
 
         for(TriangleIterator it(n); !it.isAtEnd(); ++it)
         {
-            std::array<std::array<Real32, 3>, 3> c;
+            Corners c;
             for(Int32 k = 0; k < 3; ++k)
             {
                 Pnt3f p = it.getPosition(k);
@@ -99,12 +112,7 @@ inline std::vector<Triangle> worldTriangles(const NodePtr &root)
                 for(Int32 a = 0; a < 3; ++a)
                     c[k][a] = std::round(p[a] * 1e4f) / 1e4f + 0.f;
             }
-            const Int32 first = Int32(std::min_element(c.begin(), c.end()) - c.begin());
-            Triangle    t;
-            for(Int32 k = 0; k < 3; ++k)
-                for(Int32 a = 0; a < 3; ++a)
-                    t[k * 3 + a] = c[(first + k) % 3][a];
-            out.push_back(t);
+            out.push_back(canonicalTriangle(c));
         }
     }
     std::sort(out.begin(), out.end());

@@ -105,16 +105,11 @@ std::vector<Triangle> cubeTriangles(void)
         const Int32 tri[2][3] = {{0, 1, 2}, {0, 2, 3}};
         for(const auto &t : tri)
         {
-            std::array<std::array<Real32, 3>, 3> p;
+            Corners p;
             for(Int32 k = 0; k < 3; ++k)
                 for(Int32 a = 0; a < 3; ++a)
                     p[k][a] = Real32(c[t[k]][a]);
-            const Int32 first = Int32(std::min_element(p.begin(), p.end()) - p.begin());
-            Triangle tr;
-            for(Int32 k = 0; k < 3; ++k)
-                for(Int32 a = 0; a < 3; ++a)
-                    tr[k * 3 + a] = p[(first + k) % 3][a];
-            out.push_back(tr);
+            out.push_back(canonicalTriangle(p));
         }
     }
     std::sort(out.begin(), out.end());
