@@ -508,6 +508,70 @@ TEST_F(SceneFiles, FilesBesideTheSceneFile)
     }
 }
 
+TEST_F(SceneFiles, GLBWithAnEmbeddedTexture)
+{
+    // a 2 x 1 PNG (red, blue) inside the GLB's buffer, after the triangle
+    ImagePtr img = Image::create();
+    addRefCP(img);
+    img->set(Image::OSG_RGB_PF, 2, 1);
+    const UInt8 texels[6] = {255, 0, 0, 0, 0, 255};
+    std::copy(texels, texels + 6, img->editData());
+    std::ostringstream png;
+    ASSERT_TRUE(ImageFileHandler::the().write(img, png, "png"));
+    subRefCP(img);
+
+    std::string bin = triangleBuffer();
+    for(Real32 uv : {0.f, 0.f, 1.f, 0.f, 0.f, 1.f})
+        putRaw(bin, uv);
+    const size_t pngAt = bin.size();
+    bin += png.str();
+    while(bin.size() % 4 != 0)
+        bin += '\0';
+
+    std::string json =
+        R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],"nodes":[{"mesh":0}],
+"meshes":[{"primitives":[{"attributes":{"POSITION":0,"TEXCOORD_0":2},"indices":1,"material":0}]}],
+"materials":[{"pbrMetallicRoughness":{"baseColorTexture":{"index":0}}}],
+"textures":[{"source":0}],"images":[{"bufferView":3,"mimeType":"image/png"}],
+"buffers":[{"byteLength":)" + std::to_string(bin.size()) + R"(}],
+"bufferViews":[{"buffer":0,"byteOffset":0,"byteLength":36},
+               {"buffer":0,"byteOffset":36,"byteLength":6},
+               {"buffer":0,"byteOffset":44,"byteLength":24},
+               {"buffer":0,"byteOffset":)" + std::to_string(pngAt) + R"(,"byteLength":)" +
+        std::to_string(png.str().size()) + R"(}],
+"accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"VEC3",
+              "min":[0,0,0],"max":[1,1,0]},
+             {"bufferView":1,"componentType":5123,"count":3,"type":"SCALAR"},
+             {"bufferView":2,"componentType":5126,"count":3,"type":"VEC2"}]})";
+    while(json.size() % 4 != 0)
+        json += ' ';
+    std::string glb = "glTF";
+    putRaw(glb, UInt32(2));
+    putRaw(glb, UInt32(12 + 8 + json.size() + 8 + bin.size()));
+    putRaw(glb, UInt32(json.size()));
+    glb += "JSON" + json;
+    putRaw(glb, UInt32(bin.size()));
+    glb += std::string("BIN\0", 4) + bin;
+
+    std::istringstream is(glb);
+    LogCapture         log(LOG_WARNING);
+    Held               root(SceneFileHandler::the().read(is, "glb"));
+    EXPECT_EQ(log.take(), "");
+    ASSERT_NE(root.node, NullFC);
+    GeometryPtr geo = onlyGeometry(root.node);
+    ASSERT_NE(geo, NullFC);
+    ASSERT_NE(geo->getTexCoords(), NullFC);
+    SimpleMaterialPtr mat = materialOf(geo);
+    ASSERT_NE(mat, NullFC);
+    TextureChunkPtr tex = TextureChunkPtr::dcast(mat->find(TextureChunk::getClassType()));
+    ASSERT_NE(tex, NullFC);
+    ImagePtr got = tex->getImage();
+    ASSERT_NE(got, NullFC);
+    ASSERT_EQ(got->getWidth(), 2);
+    ASSERT_EQ(got->getHeight(), 1);
+    EXPECT_TRUE(std::equal(texels, texels + 6, got->getData()));
+}
+
 TEST_F(SceneFiles, PathHandlerFindsRelativeNames)
 {
     putFile(path("found.stl"), squareSTLText());
