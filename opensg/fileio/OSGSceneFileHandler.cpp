@@ -501,7 +501,8 @@ void SceneFileHandler::print(void)
 
 void SceneFileHandler::setMaxTriangles(UInt64 triangles)
 {
-    _maxTriangles = triangles == 0 ? DefaultMaxTriangles : triangles;
+    // vertices may number three times the triangles: keep that from wrapping
+    _maxTriangles = triangles == 0 ? DefaultMaxTriangles : std::min(triangles, UInt64(1) << 60);
 }
 
 UInt64 SceneFileHandler::getMaxTriangles(void) const
@@ -511,7 +512,9 @@ UInt64 SceneFileHandler::getMaxTriangles(void) const
 
 void SceneFileHandler::setMaxFileBytes(UInt64 bytes)
 {
-    _maxFileBytes = bytes == 0 ? DefaultMaxFileBytes : bytes;
+    // the readers ask for one byte more than the budget to tell an
+    // oversized file: keep that sum from wrapping
+    _maxFileBytes = bytes == 0 ? DefaultMaxFileBytes : std::min(bytes, UInt64(1) << 62);
 }
 
 UInt64 SceneFileHandler::getMaxFileBytes(void) const
