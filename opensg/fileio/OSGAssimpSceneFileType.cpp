@@ -35,6 +35,7 @@
 #include <assimp/scene.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstring>
 #include <map>
@@ -275,25 +276,41 @@ bool checkPLY(const UInt8 *data, UInt64 size, std::string &reason)
         return true;
     };
 
+    // Only the lines of the layout are taken, each in its exact form:
+    // Assimp reads a damaged line its own way (a count glued to a name
+    // becomes a count of billions), so what it would read differently from
+    // this check is refused.
+    auto isName = [](const std::string &w) {
+        return !w.empty() && (std::isalpha(UInt8(w[0])) || w[0] == '_') &&
+               std::all_of(w.begin(), w.end(), [](char c) {
+                   return std::isalnum(UInt8(c)) || c == '_';
+               });
+    };
+
     while(pos < size && pos < (UInt64(1) << 20))
     {
-        std::istringstream line(nextLine(data, size, pos));
-        std::string        word;
+        std::istringstream       line(nextLine(data, size, pos));
+        std::vector<std::string> words;
+        std::string              word;
 
-        line >> word;
-        if(word == "format")
+        while(line >> word)
+            words.push_back(word);
+        if(words.empty() || words[0] == "comment" || words[0] == "obj_info")
+            continue;
+
+        const size_t n = words.size();
+
+        if(words[0] == "format" && n == 3)
         {
-            std::string kind;
-            line >> kind;
-            ascii = kind == "ascii";
+            ascii = words[1] == "ascii";
         }
-        else if(word == "element")
+        else if(words[0] == "element" && n == 3 && isName(words[1]))
         {
             if(!closeElement())
                 return false;
-            std::string count;
-            line >> element >> count;
-            if(count.empty() || count.size() > 19 ||
+            element                  = words[1];
+            const std::string &count = words[2];
+            if(count.size() > 19 ||
                count.find_first_not_of("0123456789") != std::string::npos)
             {
                 reason = "element " + element + " has no count";
@@ -302,25 +319,23 @@ bool checkPLY(const UInt8 *data, UInt64 size, std::string &reason)
             elementCount = std::stoull(count);
             elementMin   = 0;
         }
-        else if(word == "property")
+        else if(words[0] == "property" && !element.empty() &&
+                ((n == 3 && plyScalarSize(words[1]) != 0 && isName(words[2])) ||
+                 (n == 5 && words[1] == "list" && plyScalarSize(words[2]) != 0 &&
+                  plyScalarSize(words[3]) != 0 && isName(words[4]))))
         {
-            std::string type;
-            line >> type;
-            if(type == "list")
-                line >> type;
-            const UInt32 bytes = plyScalarSize(type);
-            if(bytes == 0)
-            {
-                reason = "property of unknown type " + type;
-                return false;
-            }
             // a text value takes a digit and a blank at least
-            elementMin += ascii ? 2 : bytes;
+            elementMin += ascii ? 2 : plyScalarSize(words[n == 3 ? 1 : 2]);
         }
-        else if(word == "end_header")
+        else if(words[0] == "end_header" && n == 1)
         {
             ended = true;
             break;
+        }
+        else
+        {
+            reason = "a malformed header line '" + words[0] + "...'";
+            return false;
         }
     }
 

@@ -634,6 +634,9 @@ TEST_F(SceneFiles, FailuresLogOneLine)
     putFile(path("broken.glb"), triangleGLB().substr(0, 60));
     putFile(path("deep.gltf"), std::string(100000, '['));
     putFile(path("noheader.ply"), "ply\nformat ascii 1.0\nelement vertex 3\n");
+    // a count glued to the name: Assimp would read billions of elements
+    putFile(path("glued.ply"), "ply\nformat ascii 1.0\nelement 2222222222222vertex 3\n"
+                               "property float x\nend_header\n0\n1\n2\n");
     putFile(path("bad.obj.gz"), std::string("\x1f\x8b\x08\x00garbage", 11));
     ::mkdir(path("folder.obj").c_str(), 0755);
 
@@ -644,6 +647,7 @@ TEST_F(SceneFiles, FailuresLogOneLine)
         {path("broken.glb"), "could not read " + path("broken.glb") + "; "},
         {path("deep.gltf"), "could not read " + path("deep.gltf") + "; JSON nested deeper"},
         {path("noheader.ply"), "could not read " + path("noheader.ply") + "; no end_header"},
+        {path("glued.ply"), "could not read " + path("glued.ply") + "; a malformed header line"},
         {path("bad.obj.gz"), "could not read " + path("bad.obj.gz") + "; corrupt gzip data"},
         {path("folder.obj"), "volumeReadFile"},
     };
