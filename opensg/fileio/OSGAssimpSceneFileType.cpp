@@ -6,8 +6,8 @@
 // from a file, the files it names beside it (material libraries, buffers)
 // within ImageFileHandler's rule for files outside the folder. Each read
 // uses only the importers of the suffix's own format, after light checks
-// of what the file announces (element counts, nesting depth) against the
-// handler's budgets. Assimp's messages go to our log; nothing it throws
+// of what the file announces (element, vertex and face counts, nesting
+// depth) against the handler's budgets and the file's size. Assimp's messages go to our log; nothing it throws
 // leaves this file.
 #include <OpenSG/OSGSceneFileType.h>
 #include <OpenSG/OSGSceneFileHandler.h>
@@ -38,6 +38,7 @@
 #include <cctype>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -230,6 +231,123 @@ UInt32 plyScalarSize(const std::string &type)
     return 0;
 }
 
+bool plyIntegral(const std::string &type)
+{
+    return plyScalarSize(type) != 0 && type.find("float") == std::string::npos &&
+           type != "double";
+}
+
+/// A property of a PLY element: a scalar (countSize 0) or a list.
+struct PLYProperty
+{
+    UInt32 countSize;
+    UInt32 itemSize;
+};
+
+struct PLYElement
+{
+    UInt64                   count;
+    std::vector<PLYProperty> properties;
+};
+
+typedef std::vector<PLYElement> PLYLayout;
+
+const char *const PLYListTooLong = "a list longer than the rest of the file";
+const char *const PLYEndsEarly   = "the elements end before the header's counts";
+
+/// A binary body walked element by element: every list's length must fit
+/// in what is left (Assimp sizes each list by its count before reading).
+bool checkPLYBinary(const UInt8 *data, UInt64 size, UInt64 pos, bool bigEndian,
+                    const PLYLayout &layout, std::string &reason)
+{
+    for(const PLYElement &e : layout)
+    {
+        for(UInt64 i = 0; i < e.count; ++i)
+        {
+            for(const PLYProperty &p : e.properties)
+            {
+                if(p.countSize == 0)
+                {
+                    if(size - pos < p.itemSize)
+                    {
+                        reason = PLYEndsEarly;
+                        return false;
+                    }
+                    pos += p.itemSize;
+                    continue;
+                }
+                if(size - pos < p.countSize)
+                {
+                    reason = PLYEndsEarly;
+                    return false;
+                }
+                UInt64 n = 0;
+                for(UInt32 b = 0; b < p.countSize; ++b)
+                {
+                    const UInt32 at = bigEndian ? b : p.countSize - 1 - b;
+                    n               = (n << 8) | data[pos + at];
+                }
+                pos += p.countSize;
+                if(n > (size - pos) / p.itemSize)
+                {
+                    reason = PLYListTooLong;
+                    return false;
+                }
+                pos += n * p.itemSize;
+            }
+        }
+    }
+    return true;
+}
+
+/// A text body walked word by word, with the same rule for lists.
+bool checkPLYText(const UInt8 *data, UInt64 size, UInt64 pos, const PLYLayout &layout,
+                  std::string &reason)
+{
+    auto nextWord = [&](std::string &word) -> bool {
+        while(pos < size && std::isspace(data[pos]))
+            ++pos;
+        const UInt64 start = pos;
+        while(pos < size && !std::isspace(data[pos]))
+            ++pos;
+        word.assign(reinterpret_cast<const char *>(data + start), size_t(pos - start));
+        return pos > start;
+    };
+
+    std::string word;
+    for(const PLYElement &e : layout)
+    {
+        for(UInt64 i = 0; i < e.count; ++i)
+        {
+            for(const PLYProperty &p : e.properties)
+            {
+                if(!nextWord(word))
+                {
+                    reason = PLYEndsEarly;
+                    return false;
+                }
+                if(p.countSize == 0)
+                    continue;
+                if(word.size() > 19 || word.find_first_not_of("0123456789") != std::string::npos ||
+                   std::stoull(word) > (size - pos) / 2)
+                {
+                    reason = PLYListTooLong;
+                    return false;
+                }
+                for(UInt64 k = std::stoull(word); k > 0; --k)
+                {
+                    if(!nextWord(word))
+                    {
+                        reason = PLYEndsEarly;
+                        return false;
+                    }
+                }
+            }
+        }
+    }
+    return true;
+}
+
 /// A PLY header's elements against the bytes that follow it and against
 /// the budget: Assimp sizes its lists by the announced counts.
 bool checkPLY(const UInt8 *data, UInt64 size, std::string &reason)
@@ -243,9 +361,10 @@ bool checkPLY(const UInt8 *data, UInt64 size, std::string &reason)
         return false;
     }
 
-    bool   ascii = false, ended = false;
-    UInt64 need  = 0, elementCount = 0, elementMin = 0;
+    bool        ascii = false, bigEndian = false, ended = false;
+    UInt64      need  = 0, elementCount = 0, elementMin = 0;
     std::string element;
+    PLYLayout   layout;
 
     auto closeElement = [&](void) -> bool {
         if(element.empty())
@@ -302,7 +421,8 @@ bool checkPLY(const UInt8 *data, UInt64 size, std::string &reason)
 
         if(words[0] == "format" && n == 3)
         {
-            ascii = words[1] == "ascii";
+            ascii     = words[1] == "ascii";
+            bigEndian = words[1] == "binary_big_endian";
         }
         else if(words[0] == "element" && n == 3 && isName(words[1]))
         {
@@ -318,6 +438,7 @@ bool checkPLY(const UInt8 *data, UInt64 size, std::string &reason)
             }
             elementCount = std::stoull(count);
             elementMin   = 0;
+            layout.push_back(PLYElement{elementCount, {}});
         }
         else if(words[0] == "property" && !element.empty() &&
                 ((n == 3 && plyScalarSize(words[1]) != 0 && isName(words[2])) ||
@@ -326,6 +447,14 @@ bool checkPLY(const UInt8 *data, UInt64 size, std::string &reason)
         {
             // a text value takes a digit and a blank at least
             elementMin += ascii ? 2 : plyScalarSize(words[n == 3 ? 1 : 2]);
+            const bool list = n == 5;
+            if(list && !plyIntegral(words[2]))
+            {
+                reason = "a list counted by " + words[2];
+                return false;
+            }
+            layout.back().properties.push_back(
+                PLYProperty{list ? plyScalarSize(words[2]) : 0, plyScalarSize(words[n - 2])});
         }
         else if(words[0] == "end_header" && n == 1)
         {
@@ -353,7 +482,8 @@ bool checkPLY(const UInt8 *data, UInt64 size, std::string &reason)
                  std::to_string(size - pos);
         return false;
     }
-    return true;
+    return ascii ? checkPLYText(data, size, pos, layout, reason)
+                 : checkPLYBinary(data, size, pos, bigEndian, layout, reason);
 }
 
 /// A binary STL's triangle count against the budget (Assimp checks it
@@ -374,6 +504,65 @@ bool checkSTL(const UInt8 *data, UInt64 size, std::string &reason)
         reason = std::to_string(count) + " triangles, more than the budget of " +
                  std::to_string(maxTriangles) +
                  " (see SceneFileHandler::setMaxTriangles)";
+        return false;
+    }
+    return true;
+}
+
+/// An OFF file's header, "[ST][C][N][4]OFF nv nf ne", against the budget
+/// and the bytes that follow it: Assimp allocates what the counts say.
+bool checkOFF(const UInt8 *data, UInt64 size, std::string &reason)
+{
+    // the first four words, comment lines skipped
+    std::string words[4];
+    UInt64      pos = 0;
+    for(Int32 found = 0; found < 4 && pos < size && pos < 4096;)
+    {
+        const std::string line = nextLine(data, size, pos);
+        if(line.find_first_not_of(" \t") != std::string::npos &&
+           line[line.find_first_not_of(" \t")] == '#')
+            continue;
+        std::istringstream in(line);
+        while(found < 4 && in >> words[found])
+            ++found;
+    }
+    const std::string &magic  = words[0];
+    const std::string *counts = words + 1;
+
+    const std::string kinds[] = {"OFF", "COFF", "NOFF", "CNOFF", "STOFF", "STCOFF",
+                                 "STNOFF", "STCNOFF", "4OFF", "C4OFF", "N4OFF", "CN4OFF"};
+    if(std::find(std::begin(kinds), std::end(kinds), magic) == std::end(kinds))
+    {
+        reason = "no OFF header";
+        return false;
+    }
+
+    UInt64 n[3];
+    for(Int32 i = 0; i < 3; ++i)
+    {
+        // nine digits at most: Assimp reads them into 32 bits
+        if(counts[i].empty() || counts[i].size() > 9 ||
+           counts[i].find_first_not_of("0123456789") != std::string::npos)
+        {
+            reason = "no vertex, face and edge counts";
+            return false;
+        }
+        n[i] = std::stoull(counts[i]);
+    }
+
+    const UInt64 maxTriangles = SceneFileHandler::the().getMaxTriangles();
+
+    if(n[1] > maxTriangles || n[0] > 3 * maxTriangles)
+    {
+        reason = std::to_string(n[1]) + " faces and " + std::to_string(n[0]) +
+                 " vertices, more than the budget of " + std::to_string(maxTriangles) +
+                 " triangles (see SceneFileHandler::setMaxTriangles)";
+        return false;
+    }
+    // a vertex takes "0 0 0\n" at least, a face "0\n"
+    if(6 * n[0] + 2 * n[1] > size)
+    {
+        reason = "the header announces more vertices and faces than the file holds";
         return false;
     }
     return true;
@@ -452,6 +641,8 @@ bool precheck(const std::string &ext, const UInt8 *data, UInt64 size,
         return checkPLY(data, size, reason);
     if(ext == "stl")
         return checkSTL(data, size, reason);
+    if(ext == "off")
+        return checkOFF(data, size, reason);
     if(ext == "gltf")
         return checkJsonDepth(data, size, reason);
     if(ext == "glb")

@@ -398,6 +398,17 @@ TEST_F(SceneFiles, STLTextAndBinary)
     }
 }
 
+TEST_F(SceneFiles, OFFPolygonsBecomeTriangles)
+{
+    putFile(path("square.off"), "OFF\n# a square\n4 1 0\n0 0 0\n1 0 0\n1 1 0\n0 1 0\n4 0 1 2 3\n");
+
+    std::string log;
+    Held        root(readLogged(path("square.off"), log));
+    ASSERT_NE(root.node, NullFC);
+    EXPECT_EQ(log, "");
+    EXPECT_EQ(worldTriangles(root.node), squareTriangles());
+}
+
 TEST_F(SceneFiles, GLTFHierarchyAndTransforms)
 {
     putFile(path("triangle.gltf"), triangleGLTFJson(false));
@@ -634,6 +645,12 @@ TEST_F(SceneFiles, FailuresLogOneLine)
     putFile(path("broken.glb"), triangleGLB().substr(0, 60));
     putFile(path("deep.gltf"), std::string(100000, '['));
     putFile(path("noheader.ply"), "ply\nformat ascii 1.0\nelement vertex 3\n");
+    putFile(path("claims.off"), "OFF\n4000000 4000000 0\n0 0 0\n");
+    // a face of four billion corners: Assimp would size the list first
+    putFile(path("longlist.ply"), "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\n"
+                                  "property float y\nproperty float z\nelement face 1\n"
+                                  "property list uint int vertex_indices\nend_header\n"
+                                  "0 0 0\n1 0 0\n0 1 0\n4000000000 0 1 2\n");
     // a count glued to the name: Assimp would read billions of elements
     putFile(path("glued.ply"), "ply\nformat ascii 1.0\nelement 2222222222222vertex 3\n"
                                "property float x\nend_header\n0\n1\n2\n");
@@ -648,6 +665,8 @@ TEST_F(SceneFiles, FailuresLogOneLine)
         {path("deep.gltf"), "could not read " + path("deep.gltf") + "; JSON nested deeper"},
         {path("noheader.ply"), "could not read " + path("noheader.ply") + "; no end_header"},
         {path("glued.ply"), "could not read " + path("glued.ply") + "; a malformed header line"},
+        {path("claims.off"), "could not read " + path("claims.off") + "; the header announces more"},
+        {path("longlist.ply"), "could not read " + path("longlist.ply") + "; a list longer than"},
         {path("bad.obj.gz"), "could not read " + path("bad.obj.gz") + "; corrupt gzip data"},
         {path("folder.obj"), "volumeReadFile"},
     };
