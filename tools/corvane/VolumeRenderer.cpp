@@ -32,31 +32,6 @@ OSG_USING_NAMESPACE
 namespace corvane
 {
 
-/// The presets' folder: CORVANE_DATA_DIR from the environment; else, for an
-/// installed program, the data folder relative to the program's own
-/// (CORVANE_DATA_RELDIR, e.g. ../share/corvane); else the folder the build
-/// compiled in.
-std::string dataDirectory(void)
-{
-    const char *dir = getenv("CORVANE_DATA_DIR");
-    if(dir != NULL)
-        return dir;
-#ifdef CORVANE_DATA_RELDIR
-    char          self[4096];
-    const ssize_t n = readlink("/proc/self/exe", self, sizeof(self) - 1);
-    if(n > 0)
-    {
-        self[n] = 0;
-        const std::string exe  = self;
-        const std::string near = exe.substr(0, exe.rfind('/') + 1) + CORVANE_DATA_RELDIR;
-        struct stat       info;
-        if(stat(near.c_str(), &info) == 0 && S_ISDIR(info.st_mode))
-            return near;
-    }
-#endif
-    return CORVANE_DATA_DIR;
-}
-
 namespace
 {
 
@@ -86,6 +61,31 @@ class Progress
     bool _on;
 };
 
+/// The presets' folder: CORVANE_DATA_DIR from the environment; else, for an
+/// installed program, the data folder relative to the program's own
+/// (CORVANE_DATA_RELDIR, e.g. ../share/corvane); else the folder the build
+/// compiled in.
+std::string dataDir(void)
+{
+    const char *dir = getenv("CORVANE_DATA_DIR");
+    if(dir != NULL)
+        return dir;
+#ifdef CORVANE_DATA_RELDIR
+    char          self[4096];
+    const ssize_t n = readlink("/proc/self/exe", self, sizeof(self) - 1);
+    if(n > 0)
+    {
+        self[n] = 0;
+        const std::string exe  = self;
+        const std::string near = exe.substr(0, exe.rfind('/') + 1) + CORVANE_DATA_RELDIR;
+        struct stat       info;
+        if(stat(near.c_str(), &info) == 0 && S_ISDIR(info.st_mode))
+            return near;
+    }
+#endif
+    return CORVANE_DATA_DIR;
+}
+
 /// The built-in phantom, 8 bit, edge n.
 ImagePtr makePhantom(unsigned n)
 {
@@ -102,9 +102,9 @@ ImagePtr makePhantom(unsigned n)
 std::string transferFile(const std::string &name, bool sixteenBit)
 {
     if(name == "phantom" || name.empty())
-        return dataDirectory() + (sixteenBit ? "/phantom_bone_skin_u16.tf" : "/phantom_bone_skin_u8.tf");
+        return dataDir() + (sixteenBit ? "/phantom_bone_skin_u16.tf" : "/phantom_bone_skin_u8.tf");
     if(name == "ramp")
-        return dataDirectory() + "/ramp.tf";
+        return dataDir() + "/ramp.tf";
     return name;
 }
 
@@ -171,6 +171,11 @@ std::string frameFile(const std::string &output, unsigned frame, unsigned frames
 }
 
 } // namespace
+
+std::string dataDirectory(void)
+{
+    return dataDir();
+}
 
 const std::vector<std::string> &volumeStyles(void)
 {
