@@ -188,6 +188,8 @@ TEST_F(VolumeRendererProgram, BadInvocationsEndWithOneLineAndAnExitCode)
         {"/no/such/volume.nrrd" + out, 1, "can't read the volume '/no/such/volume.nrrd'"},
         {garbage + out, 1, "can't read the volume"},
         {"--transfer /no/such.tf --size 8 8" + out, 1, "can't read the transfer function"},
+        {"--mesh /no/such/mesh.obj --size 8 8" + out, 1, "can't read the mesh '/no/such/mesh.obj'"},
+        {"--mesh " + garbage + " --size 8 8" + out, 1, "can't read the mesh"},
         {"--frobnicate" + out, 2, "unknown option '--frobnicate'"},
         {"--style glossy" + out, 2, "unknown style 'glossy'"},
         {"--step -1" + out, 2, "bad step '-1'"},

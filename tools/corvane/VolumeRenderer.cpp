@@ -8,6 +8,7 @@
 #include <OpenSG/OSGGL.h>
 #include <OpenSG/OSGMatrixUtility.h>
 #include <OpenSG/OSGRenderAction.h>
+#include <OpenSG/OSGSceneFileHandler.h>
 #include <OpenSG/OSGSimpleGeometry.h>
 #include <OpenSG/OSGTextureChunk.h>
 #include <OpenSG/OSGTransform.h>
@@ -171,6 +172,11 @@ std::string frameFile(const std::string &output, unsigned frame, unsigned frames
 
 } // namespace
 
+std::string dataDirectory(void)
+{
+    return dataDir();
+}
+
 const std::vector<std::string> &volumeStyles(void)
 {
     static const std::vector<std::string> styles = {"dvr", "lit", "mip", "xray", "boundary"};
@@ -228,6 +234,19 @@ bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<
     }
     TextureChunkPtr table = h.keep(transfer.getTFTextureChunk());
 
+    // a mesh file, shown where the sphere would be
+    NodePtr meshFile = NullFC;
+    if(o.mesh && !o.meshFile.empty())
+    {
+        meshFile = SceneFileHandler::the().read(o.meshFile.c_str());
+        if(meshFile == NullFC)
+        {
+            error = "can't read the mesh '" + o.meshFile + "'";
+            return false;
+        }
+        h.keep(meshFile);
+    }
+
     EGLWindowPtr win = openWindow(h, o.width, o.height);
     if(win == NullFC)
     {
@@ -280,7 +299,26 @@ bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<
     applyStyle(h, volume, o.style);
     addChild(root, makeNodeFor(volume));
 
-    if(o.mesh)
+    if(meshFile != NullFC)
+    {
+        // scaled so that its longest side spans 0.8 of the volume's shortest
+        meshFile->updateVolume();
+        Pnt3f lo, hi;
+        meshFile->getVolume().getBounds(lo, hi);
+        const Vec3f  size   = hi - lo;
+        const Real32 side   = osgMax(osgMax(size[0], size[1]), osgMax(size[2], 1e-6f));
+        const Real32 scale  = 0.8f * osgMin(osgMin(extent[0], extent[1]), extent[2]) / side;
+        const Vec3f  centre = (lo.subZero() + hi.subZero()) * 0.5f;
+        NodePtr      moved  = makeNodeFor(Transform::create());
+        Matrix       m;
+        m.setTransform(-centre * scale, Quaternion(), Vec3f(scale, scale, scale));
+        beginEditCP(moved->getCore());
+        TransformPtr::dcast(moved->getCore())->setMatrix(m);
+        endEditCP(moved->getCore());
+        addChild(moved, meshFile);
+        addChild(root, moved);
+    }
+    else if(o.mesh)
     {
         NodePtr           ball = makeSphere(4, 0.42f);
         SimpleMaterialPtr mat  = SimpleMaterial::create();

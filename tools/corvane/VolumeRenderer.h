@@ -29,11 +29,16 @@ struct VolumeRenderOptions
     bool        preintegrated = false;
     float       stepSize = 0.004f;
     bool        mesh     = true; ///< an opaque sphere that cuts into the volume
+    std::string meshFile;        ///< a scene file (OBJ, PLY, STL, glTF, ...) shown instead of the sphere
     float       azimuth   = 30.f; ///< degrees around the vertical axis
     float       elevation = 20.f; ///< degrees above the horizon
     float       distance  = 2.2f; ///< camera distance in units of the volume's extent
     bool        progress  = false; ///< a progress bar on standard error while loading
 };
+
+/// The data folder (presets, sample volumes and meshes): CORVANE_DATA_DIR
+/// from the environment, else the installed or the source tree's data/.
+std::string dataDirectory(void);
 
 /// The style names the renderer knows.
 const std::vector<std::string> &volumeStyles(void);

@@ -67,6 +67,7 @@ const char *const VolumeHelp =
     "  --azimuth DEG, --elevation DEG   the camera's direction\n"
     "  --phantom-size N         edge of the built-in phantom (default 96)\n"
     "  --no-mesh                no sphere in the scene\n"
+    "  --mesh FILE              a mesh file (OBJ, PLY, STL, glTF, OFF) instead of the sphere\n"
     "  --progress               a progress bar while loading and preparing\n";
 
 int volumeError(const std::string &message)
@@ -160,6 +161,8 @@ int renderVolumeCommand(int argc, char **argv)
         }
         else if(a == "--no-mesh")
             o.mesh = false;
+        else if(a == "--mesh" && need(1))
+            o.meshFile = argv[++i];
         else if(a == "--progress")
             o.progress = true;
         else if(!a.empty() && a[0] == '-')

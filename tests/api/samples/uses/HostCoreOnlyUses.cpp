@@ -4,6 +4,7 @@
 #include <OpenSG/OSGTextureChunk.h>
 #include <OpenSG/OSGSHLChunk.h>
 #include <OpenSG/OSGGL.h>
+#include <OpenSG/OSGSceneFileHandler.h>
 
 OSG_USING_NAMESPACE
 
@@ -34,4 +35,9 @@ Int32 firstVertex(TriangleIterator &it)
 void MyTransform::initMethod(void)
 {
     registerFunctors(getClassType());
+}
+
+void limitScenes(void)
+{
+    SceneFileHandler::the().setMaxTriangles(1000000);
 }
