@@ -116,7 +116,7 @@ PerspectiveCameraPtr makeCamera(Holder &h, const NodePtr &root, const Pnt3f &fro
     return camera;
 }
 
-ViewportPtr addPort(Holder &h, const EGLWindowPtr &win, const CameraPtr &camera,
+ViewportPtr addPort(Holder &h, const WindowPtr &win, const CameraPtr &camera,
                     const NodePtr &root, const BackgroundPtr &background, Real32 left,
                     Real32 right)
 {
@@ -146,7 +146,7 @@ EGLWindowPtr openWindow(Holder &h, UInt32 width, UInt32 height)
     return win;
 }
 
-ScreenDumpForegroundPtr addDumpPort(Holder &h, const EGLWindowPtr &win)
+ScreenDumpForegroundPtr addDumpPort(Holder &h, const WindowPtr &win)
 {
     NodePtr  empty = h.keep(makeNodeFor(Group::create()));
     ImagePtr shot  = h.keep(Image::create());
@@ -165,7 +165,7 @@ ScreenDumpForegroundPtr addDumpPort(Holder &h, const EGLWindowPtr &win)
     return dump;
 }
 
-bool renderFrameToFile(const EGLWindowPtr &win, RenderAction *action,
+bool renderFrameToFile(const WindowPtr &win, RenderAction *action,
                        const ScreenDumpForegroundPtr &dump, const char *fileName)
 {
     beginEditCP(dump);
@@ -182,7 +182,7 @@ bool renderFrameToFile(const EGLWindowPtr &win, RenderAction *action,
     return dump->getFilenames().empty() && written.good() && written.tellg() > 0;
 }
 
-bool renderToFile(Holder &h, const EGLWindowPtr &win, const char *fileName, UInt32 frames)
+bool renderToFile(Holder &h, const WindowPtr &win, const char *fileName, UInt32 frames)
 {
     ScreenDumpForegroundPtr       dump = addDumpPort(h, win);
     std::unique_ptr<RenderAction> action(RenderAction::create());

@@ -64,7 +64,7 @@ osg::PerspectiveCameraPtr makeCamera(Holder &h, const osg::NodePtr &root, const 
                                      const osg::Pnt3f &at, osg::Real32 fovDeg = 45.f);
 
 /// Adds a viewport over [left, right] of the window's width.
-osg::ViewportPtr addPort(Holder &h, const osg::EGLWindowPtr &win, const osg::CameraPtr &camera,
+osg::ViewportPtr addPort(Holder &h, const osg::WindowPtr &win, const osg::CameraPtr &camera,
                          const osg::NodePtr &root, const osg::BackgroundPtr &background,
                          osg::Real32 left, osg::Real32 right);
 
@@ -74,17 +74,17 @@ osg::EGLWindowPtr openWindow(Holder &h, osg::UInt32 width, osg::UInt32 height);
 
 /// Adds a last port over the whole window whose screen dump writes the
 /// composed frame; the dump stays inactive until renderFrameToFile asks.
-osg::ScreenDumpForegroundPtr addDumpPort(Holder &h, const osg::EGLWindowPtr &win);
+osg::ScreenDumpForegroundPtr addDumpPort(Holder &h, const osg::WindowPtr &win);
 
 /// Renders one frame with the dump writing it into fileName; true when
 /// the file is there and not empty.
-bool renderFrameToFile(const osg::EGLWindowPtr &win, osg::RenderAction *action,
+bool renderFrameToFile(const osg::WindowPtr &win, osg::RenderAction *action,
                        const osg::ScreenDumpForegroundPtr &dump, const char *fileName);
 
 /// Adds a last port that grabs the composed frame into fileName, renders
 /// the window once (frames times in all), and removes the window's ports.
 /// False, with a log line, when the file was not written.
-bool renderToFile(Holder &h, const osg::EGLWindowPtr &win, const char *fileName,
+bool renderToFile(Holder &h, const osg::WindowPtr &win, const char *fileName,
                   osg::UInt32 frames = 1);
 
 } // namespace corvane

@@ -115,31 +115,6 @@ void addChild(const NodePtr &parent, const NodePtr &child)
     endEditCP(parent, Node::ChildrenFieldMask);
 }
 
-/// The shading style of a name; NullFC for plain DVR.
-void applyStyle(Holder &h, const VolumeNodePtr &volume, const std::string &style)
-{
-    BasicVolumeShadingStylePtr basic = h.keep(BasicVolumeShadingStyle::create());
-    beginEditCP(basic);
-    basic->setShadingFuncType(style == "mip" ? 1 : style == "xray" ? 2 : 0);
-    basic->setLighting(style == "lit" || style == "boundary");
-    endEditCP(basic);
-    beginEditCP(volume, VolumeNode::ShadingStyleFieldMask | VolumeNode::ComposableStyleFieldMask);
-    volume->setShadingStyle(basic);
-    if(style == "boundary")
-    {
-        // opacity follows the gradient: boundaries stand out, flat regions fade
-        ComposableVolumeShadingStylePtr edges = h.keep(ComposableVolumeShadingStyle::create());
-        beginEditCP(edges);
-        edges->setShadingFuncType(3);
-        edges->setRetainedOpacity(0.15f);
-        edges->setBoundaryOpacity(12.f);
-        edges->setOpacityFactor(1.f);
-        endEditCP(edges);
-        volume->getComposableStyle().push_back(edges);
-    }
-    endEditCP(volume, VolumeNode::ShadingStyleFieldMask | VolumeNode::ComposableStyleFieldMask);
-}
-
 /// The camera's beacon on a sphere around the origin.
 void placeCamera(const TransformPtr &beacon, const VolumeRenderOptions &o, Real32 azimuth,
                  Real32 radius)
@@ -177,19 +152,85 @@ std::string dataDirectory(void)
     return dataDir();
 }
 
+void applyStyle(Holder &h, const VolumeNodePtr &volume, const std::string &style)
+{
+    BasicVolumeShadingStylePtr basic = h.keep(BasicVolumeShadingStyle::create());
+    beginEditCP(basic);
+    basic->setShadingFuncType(style == "mip" ? 1 : style == "xray" ? 2 : 0);
+    basic->setLighting(style == "lit" || style == "boundary");
+    endEditCP(basic);
+    beginEditCP(volume, VolumeNode::ShadingStyleFieldMask | VolumeNode::ComposableStyleFieldMask);
+    volume->setShadingStyle(basic);
+    volume->getComposableStyle().clear();
+    if(style == "boundary")
+    {
+        // opacity follows the gradient: boundaries stand out, flat regions fade
+        ComposableVolumeShadingStylePtr edges = h.keep(ComposableVolumeShadingStyle::create());
+        beginEditCP(edges);
+        edges->setShadingFuncType(3);
+        edges->setRetainedOpacity(0.15f);
+        edges->setBoundaryOpacity(12.f);
+        edges->setOpacityFactor(1.f);
+        endEditCP(edges);
+        volume->getComposableStyle().push_back(edges);
+    }
+    endEditCP(volume, VolumeNode::ShadingStyleFieldMask | VolumeNode::ComposableStyleFieldMask);
+}
+
 const std::vector<std::string> &volumeStyles(void)
 {
     static const std::vector<std::string> styles = {"dvr", "lit", "mip", "xray", "boundary"};
     return styles;
 }
 
-bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<double> *frameTimes)
+bool buildVolumeScene(Holder &h, const VolumeRenderOptions &o, VolumeScene &scene,
+                      std::string &error, const ProgressStep &step)
 {
-    Holder   h;
-    Progress progress(o.progress);
+    auto progress = [&](int percent, const char *what) {
+        if(step)
+            step(percent, what);
+    };
+
+    // a mesh file, shown where the sphere would be (or alone)
+    NodePtr meshFile = NullFC;
+    if(o.mesh && !o.meshFile.empty())
+    {
+        progress(5, "reading the mesh");
+        meshFile = SceneFileHandler::the().read(o.meshFile.c_str());
+        if(meshFile == NullFC)
+        {
+            error = "can't read the mesh '" + o.meshFile + "'";
+            return false;
+        }
+        h.keep(meshFile);
+    }
+
+    // the scene: a sun over the volume and the mesh
+    NodePtr             lightBeacon = makeNodeFor(Transform::create());
+    DirectionalLightPtr sun         = DirectionalLight::create();
+    beginEditCP(sun);
+    sun->setDirection(Vec3f(0.4f, 0.7f, 0.6f));
+    sun->setAmbient(Color4f(0.2f, 0.2f, 0.2f, 1.f));
+    sun->setBeacon(lightBeacon);
+    endEditCP(sun);
+    scene.root   = h.keep(makeNodeFor(sun));
+    scene.volume = NullFC;
+    scene.image  = NullFC;
+    addChild(scene.root, lightBeacon);
+
+    if(!o.volume)
+    {
+        if(meshFile != NullFC)
+            addChild(scene.root, meshFile);
+        scene.root->updateVolume();
+        Pnt3f lo, hi;
+        scene.root->getVolume().getBounds(lo, hi);
+        scene.extent = hi - lo;
+        return true;
+    }
 
     // the voxels
-    progress.step(5, "reading the volume");
+    progress(10, "reading the volume");
     ImagePtr image;
     if(o.file.empty())
     {
@@ -220,7 +261,7 @@ bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<
     }
 
     // the transfer function, as a table texture for the voxels' bit depth
-    progress.step(20, "transfer function");
+    progress(20, "transfer function");
     SimpleTransferfunction transfer;
     transfer.setMode(sixteenBit ? 1 : 0);
     const std::string tfFile = transferFile(o.transfer, sixteenBit);
@@ -234,45 +275,7 @@ bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<
     }
     TextureChunkPtr table = h.keep(transfer.getTFTextureChunk());
 
-    // a mesh file, shown where the sphere would be
-    NodePtr meshFile = NullFC;
-    if(o.mesh && !o.meshFile.empty())
-    {
-        meshFile = SceneFileHandler::the().read(o.meshFile.c_str());
-        if(meshFile == NullFC)
-        {
-            error = "can't read the mesh '" + o.meshFile + "'";
-            return false;
-        }
-        h.keep(meshFile);
-    }
-
-    EGLWindowPtr win = openWindow(h, o.width, o.height);
-    if(win == NullFC)
-    {
-        error = "no OpenGL context";
-        return false;
-    }
-    GLint max3D = 0;
-    glGetIntegerv(GL_MAX_3D_TEXTURE_SIZE, &max3D);
-    if(image->getWidth() > max3D || image->getHeight() > max3D || image->getDepth() > max3D)
-    {
-        error = "the volume is larger than the 3-D texture limit of " + std::to_string(max3D);
-        return false;
-    }
-
-    // the scene: a sun, the volume, and a sphere that cuts into it
-    progress.step(30, "preparing the volume");
-    NodePtr        lightBeacon = makeNodeFor(Transform::create());
-    DirectionalLightPtr sun    = DirectionalLight::create();
-    beginEditCP(sun);
-    sun->setDirection(Vec3f(0.4f, 0.7f, 0.6f));
-    sun->setAmbient(Color4f(0.2f, 0.2f, 0.2f, 1.f));
-    sun->setBeacon(lightBeacon);
-    endEditCP(sun);
-    NodePtr root = h.keep(makeNodeFor(sun));
-    addChild(root, lightBeacon);
-
+    progress(30, "preparing the volume");
     const Real32 longest = osgMax(osgMax(image->getWidth() * thickness[0],
                                          image->getHeight() * thickness[1]),
                                   image->getDepth() * thickness[2]);
@@ -297,8 +300,10 @@ bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<
     volume->setVoxels(voxels);
     endEditCP(volume);
     applyStyle(h, volume, o.style);
-    addChild(root, makeNodeFor(volume));
-
+    addChild(scene.root, makeNodeFor(volume));
+    scene.volume = volume;
+    scene.image  = image;
+    scene.extent = extent;
     if(meshFile != NullFC)
     {
         // scaled so that its longest side spans 0.8 of the volume's shortest
@@ -316,7 +321,7 @@ bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<
         TransformPtr::dcast(moved->getCore())->setMatrix(m);
         endEditCP(moved->getCore());
         addChild(moved, meshFile);
-        addChild(root, moved);
+        addChild(scene.root, moved);
     }
     else if(o.mesh)
     {
@@ -329,8 +334,36 @@ bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<
         mat->setShininess(40.f);
         endEditCP(mat);
         setMaterial(ball, mat);
-        addChild(root, placed(h, ball, Vec3f(0.3f * extent[0], 0.05f, 0.3f * extent[2]),
+        addChild(scene.root, placed(h, ball, Vec3f(0.3f * extent[0], 0.05f, 0.3f * extent[2]),
                               Quaternion()));
+    }
+
+    return true;
+}
+
+bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<double> *frameTimes)
+{
+    Holder      h;
+    Progress    progress(o.progress);
+    VolumeScene scene;
+    if(!buildVolumeScene(h, o, scene, error,
+                         [&](int percent, const char *what) { progress.step(percent, what); }))
+        return false;
+    const ImagePtr image = scene.image;
+    const NodePtr  root  = scene.root;
+
+    EGLWindowPtr win = openWindow(h, o.width, o.height);
+    if(win == NullFC)
+    {
+        error = "no OpenGL context";
+        return false;
+    }
+    GLint max3D = 0;
+    glGetIntegerv(GL_MAX_3D_TEXTURE_SIZE, &max3D);
+    if(image->getWidth() > max3D || image->getHeight() > max3D || image->getDepth() > max3D)
+    {
+        error = "the volume is larger than the 3-D texture limit of " + std::to_string(max3D);
+        return false;
     }
 
     NodePtr      cameraBeacon = makeNodeFor(Transform::create());
@@ -352,7 +385,7 @@ bool renderVolume(const VolumeRenderOptions &o, std::string &error, std::vector<
     volumePort->setCamera(camera);
     volumePort->setRoot(root);
     volumePort->setBackground(background);
-    volumePort->getVolumeNodes().push_back(volume);
+    volumePort->getVolumeNodes().push_back(scene.volume);
     endEditCP(volumePort);
     win->addPort(volumePort);
     addPort(h, win, camera, root, background, 0.f, 1.f);

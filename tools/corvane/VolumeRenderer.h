@@ -5,7 +5,12 @@
 #ifndef _CORVANE_VOLUMERENDERER_H_
 #define _CORVANE_VOLUMERENDERER_H_
 
+#include "DemoSupport.h"
+
 #include <OpenSG/OSGBaseTypes.h>
+#include <OpenSG/OSGVolumeNode.h>
+
+#include <functional>
 
 #include <string>
 #include <vector>
@@ -28,6 +33,7 @@ struct VolumeRenderOptions
     unsigned    normals   = 2;   ///< 1 precomputed, 2 central differences, 3 Sobel
     bool        preintegrated = false;
     float       stepSize = 0.004f;
+    bool        volume   = true; ///< false: the mesh alone, no volume
     bool        mesh     = true; ///< an opaque sphere that cuts into the volume
     std::string meshFile;        ///< a scene file (OBJ, PLY, STL, glTF, ...) shown instead of the sphere
     float       azimuth   = 30.f; ///< degrees around the vertical axis
@@ -39,6 +45,29 @@ struct VolumeRenderOptions
 /// The data folder (presets, sample volumes and meshes): CORVANE_DATA_DIR
 /// from the environment, else the installed or the source tree's data/.
 std::string dataDirectory(void);
+
+/// What the renderer and the viewer draw: a sun over the volume and the
+/// mesh (the sphere, or a mesh file scaled into the volume).
+struct VolumeScene
+{
+    osg::NodePtr       root;
+    osg::VolumeNodePtr volume; ///< NullFC without a volume
+    osg::ImagePtr      image;  ///< the voxels; NullFC without a volume
+    osg::Vec3f         extent; ///< the volume's size, or the mesh's without one
+};
+
+/// Reports progress while a scene is built: percent and what is being done.
+typedef std::function<void(int percent, const char *what)> ProgressStep;
+
+/// Reads the volume, the transfer function and the mesh the options name
+/// and builds the scene; the containers are kept by h. Needs no GL
+/// context. False, with one line in error, when a file can't be used.
+bool buildVolumeScene(Holder &h, const VolumeRenderOptions &options, VolumeScene &scene,
+                      std::string &error, const ProgressStep &step = ProgressStep());
+
+/// Gives the volume the shading style of a name (see volumeStyles); the
+/// new style containers are kept by h.
+void applyStyle(Holder &h, const osg::VolumeNodePtr &volume, const std::string &style);
 
 /// The style names the renderer knows.
 const std::vector<std::string> &volumeStyles(void);

@@ -6,6 +6,7 @@
 //   corvane render OUT.png [W H]          renders the shaded demo scene headless to PNG
 //   corvane scene NAME OUT.png [W H]      renders one demo scene
 //   corvane scenes                        lists the demo scenes
+//   corvane view [VOLUME] [--mesh FILE]   an interactive viewer in a GLUT window
 #include <OpenSG/OSGBaseInitFunctions.h>
 #include <OpenSG/OSGFieldContainer.h>
 #include <OpenSG/OSGFieldContainerFactory.h>
@@ -19,6 +20,7 @@
 #include "DDSWriter.h"
 #include "DemoScene.h"
 #include "VolumeRenderer.h"
+#include "Viewer.h"
 
 #include <OpenSG/OSGLog.h>
 
@@ -46,7 +48,8 @@ int usage(void)
             "       corvane render OUT.png [WIDTH HEIGHT]\n"
             "       corvane scene NAME OUT.png [WIDTH HEIGHT]\n"
             "       corvane scenes\n"
-            "       corvane volume [FILE] [options] -o OUT.png   (corvane volume --help)\n");
+            "       corvane volume [FILE] [options] -o OUT.png   (corvane volume --help)\n"
+            "       corvane view [VOLUME] [--mesh FILE] [--tf FILE]  (corvane view --help)\n");
     return 2;
 }
 
@@ -354,6 +357,8 @@ int main(int argc, char **argv)
         result = renderScene("shaded", argv + 2, argc - 2);
     else if(strcmp(argv[1], "volume") == 0)
         result = renderVolumeCommand(argc - 2, argv + 2);
+    else if(strcmp(argv[1], "view") == 0)
+        result = corvane::viewCommand(argc - 2, argv + 2);
     else if(strcmp(argv[1], "scenes") == 0 && argc == 2)
         result = listScenes();
     else if(strcmp(argv[1], "scene") == 0 && (argc == 4 || argc == 6))
