@@ -92,8 +92,8 @@ void report(bool force)
     viewer->lastReport = now;
 }
 
-/// The manager's showAll, on the box the volume is drawn in: a volume
-/// node's own bounding box counts voxels, not scene units.
+/// The manager's showAll arithmetic on the box the volume is drawn in (a
+/// volume node's own bounding box counts voxels, not scene units).
 void showScene(void)
 {
     SimpleSceneManager *manager = viewer->manager;
@@ -103,8 +103,13 @@ void showScene(void)
     const Vec3f  d    = viewer->scene.extent;
     const Real32 fov  = manager->getCamera()->getFov();
     const Real32 dist = osgMax(d[0], d[1]) / (2.f * osgtan(fov / 2.f));
+    // from the renderer's angle (30 degrees round, 20 up), not head-on
+    // along the slices
+    const Real32 r  = dist + d[2] / 2.f;
+    const Real32 az = osgdegree2rad(30.f), el = osgdegree2rad(20.f);
     const Pnt3f  at(0.f, 0.f, 0.f);
-    manager->getNavigator()->set(Pnt3f(0.f, 0.f, dist + d[2] / 2.f), at, Vec3f(0.f, 1.f, 0.f));
+    const Pnt3f  from(r * osgcos(el) * osgsin(az), r * osgsin(el), r * osgcos(el) * osgcos(az));
+    manager->getNavigator()->set(from, at, Vec3f(0.f, 1.f, 0.f));
     manager->getNavigator()->setMotionFactor((d[0] + d[1] + d[2]) / 100.f);
     const Real32 diag = osgMax(osgMax(d[0], d[1]), d[2]);
     beginEditCP(manager->getCamera(), Camera::NearFieldMask | Camera::FarFieldMask);
