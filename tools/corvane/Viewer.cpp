@@ -189,6 +189,21 @@ void idle(void)
     }
 }
 
+/// Switches a strategy field of the volume between its two values, 1 and
+/// 2, and says which one is on now.
+void toggleStrategy(const char *what, BitVector mask, const UInt32 &(VolumeNode::*get)(void) const,
+                    void (VolumeNode::*set)(const UInt32 &), const char *one, const char *two)
+{
+    const VolumeNodePtr volume = viewer->scene.volume;
+    if(volume == NullFC)
+        return;
+    const UInt32 value = ((*volume).*get)() == 1 ? 2 : 1;
+    beginEditCP(volume, mask);
+    ((*volume).*set)(value);
+    endEditCP(volume, mask);
+    printf("%s: %s\n", what, value == 1 ? one : two);
+}
+
 void keyboard(unsigned char key, int, int)
 {
     const VolumeNodePtr volume = viewer->scene.volume;
@@ -210,24 +225,13 @@ void keyboard(unsigned char key, int, int)
             break;
         }
         case 't':
-            if(volume != NullFC)
-            {
-                const UInt32 traversal = volume->getTraversalType() == 1 ? 2 : 1;
-                beginEditCP(volume, VolumeNode::TraversalTypeFieldMask);
-                volume->setTraversalType(traversal);
-                endEditCP(volume, VolumeNode::TraversalTypeFieldMask);
-                printf("traversal: %s\n", traversal == 1 ? "simple" : "skipping");
-            }
+            toggleStrategy("traversal", VolumeNode::TraversalTypeFieldMask,
+                           &VolumeNode::getTraversalType, &VolumeNode::setTraversalType,
+                           "simple", "skipping");
             break;
         case 'r':
-            if(volume != NullFC)
-            {
-                const UInt32 rays = volume->getRayGenType() == 1 ? 2 : 1;
-                beginEditCP(volume, VolumeNode::RayGenTypeFieldMask);
-                volume->setRayGenType(rays);
-                endEditCP(volume, VolumeNode::RayGenTypeFieldMask);
-                printf("rays: %s\n", rays == 1 ? "simple" : "interleaved");
-            }
+            toggleStrategy("rays", VolumeNode::RayGenTypeFieldMask, &VolumeNode::getRayGenType,
+                           &VolumeNode::setRayGenType, "simple", "interleaved");
             break;
         case 'f':
             viewer->manager->setNavigationMode(Navigator::FLY);
