@@ -14,6 +14,7 @@
 #include <functional>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -232,6 +233,32 @@ TEST_F(ViewerTest, KeysAndMouseDriveTheView)
     EXPECT_GT(meanDifference(before, after), 5.0);
     subRefCP(before);
     subRefCP(after);
+}
+
+// The window manager's close button (a WM_DELETE_WINDOW message) ends the
+// program cleanly, with its frame times.
+TEST_F(ViewerTest, ClosingTheWindowEndsTheProgram)
+{
+    ViewerProgram       viewer("--mesh " CORVANE_DATA_DIR "/knot.obj.gz --size 160 120");
+    const unsigned long id = viewer.window();
+    ASSERT_NE(id, 0u) << readFile(viewer.err);
+
+    Display *display = XOpenDisplay(NULL);
+    ASSERT_NE(display, nullptr);
+    XEvent close;
+    memset(&close, 0, sizeof(close));
+    close.xclient.type         = ClientMessage;
+    close.xclient.window       = id;
+    close.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
+    close.xclient.format       = 32;
+    close.xclient.data.l[0]    = long(XInternAtom(display, "WM_DELETE_WINDOW", False));
+    close.xclient.data.l[1]    = CurrentTime;
+    XSendEvent(display, id, False, NoEventMask, &close);
+    XFlush(display);
+    XCloseDisplay(display);
+
+    EXPECT_EQ(viewer.wait(), 0) << readFile(viewer.err);
+    EXPECT_GE(occurrences(viewer.out, "frames, median"), 1) << readFile(viewer.out);
 }
 
 // A mesh file alone: the knot of the sample data fills the middle.
