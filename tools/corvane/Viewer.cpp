@@ -301,7 +301,6 @@ int viewCommand(int argc, char **argv)
     Viewer view;
     view.options.width  = 640;
     view.options.height = 480;
-    bool haveVolume = false;
     for(int i = 0; i < argc; ++i)
     {
         const std::string a    = argv[i];
@@ -311,30 +310,8 @@ int viewCommand(int argc, char **argv)
             fputs(ViewHelp, stdout);
             return 0;
         }
-        else if(a == "--mesh" && need(1))
-            view.options.meshFile = argv[++i];
-        else if((a == "--tf" || a == "--transfer") && need(1))
+        else if(a == "--tf" && need(1))
             view.options.transfer = argv[++i];
-        else if(a == "--size" && need(2))
-        {
-            if(!parseUInt(argv[i + 1], 1, 8192, view.options.width) ||
-               !parseUInt(argv[i + 2], 1, 8192, view.options.height))
-                return viewError("bad window size '" + std::string(argv[i + 1]) + " " +
-                                 argv[i + 2] + "' (1 to 8192 each)");
-            i += 2;
-        }
-        else if(a == "--style" && need(1))
-        {
-            view.options.style = argv[++i];
-            const std::vector<std::string> &styles = volumeStyles();
-            if(std::find(styles.begin(), styles.end(), view.options.style) == styles.end())
-                return viewError("unknown style '" + view.options.style + "'");
-        }
-        else if(a == "--step" && need(1))
-        {
-            if(!parseFloat(argv[++i], 0.0005f, 0.5f, view.options.stepSize))
-                return viewError("bad step '" + std::string(argv[i]) + "' (0.0005 to 0.5)");
-        }
         else if(a == "--shot" && need(1))
         {
             view.shot      = argv[++i];
@@ -345,19 +322,15 @@ int viewCommand(int argc, char **argv)
             if(!parseUInt(argv[++i], 1, 100000, view.frames))
                 return viewError("bad frame count '" + std::string(argv[i]) + "' (1 to 100000)");
         }
-        else if(!a.empty() && a[0] == '-')
-            return viewError("unknown option '" + a + "' (or a value missing)");
-        else if(!haveVolume)
-        {
-            view.options.file = a;
-            haveVolume        = true;
-        }
         else
-            return viewError("more than one volume file: '" + view.options.file + "' and '" + a +
-                             "'");
+        {
+            std::string error;
+            if(!parseSharedOption(argc, argv, i, view.options, "window", error))
+                return viewError(error);
+        }
     }
     // a mesh alone is shown without the phantom
-    view.options.volume = haveVolume || view.options.meshFile.empty();
+    view.options.volume = !view.options.file.empty() || view.options.meshFile.empty();
 
     // GLUT ends the process when it finds no display: ask X first
     const char *displayName = getenv("DISPLAY");

@@ -1,4 +1,5 @@
 #include "VolumeRenderer.h"
+#include "Args.h"
 #include "DemoSupport.h"
 #include "../makevolumes/VolumeShapes.h"
 
@@ -338,6 +339,58 @@ bool buildVolumeScene(Holder &h, const VolumeRenderOptions &o, VolumeScene &scen
                               Quaternion()));
     }
 
+    return true;
+}
+
+bool parseSharedOption(int argc, char **argv, int &i, VolumeRenderOptions &o,
+                       const char *sizeWhat, std::string &error)
+{
+    const std::string a    = argv[i];
+    auto              need = [&](int count) { return i + count < argc; };
+    if(a == "--size" && need(2))
+    {
+        if(!parseUInt(argv[i + 1], 1, 8192, o.width) || !parseUInt(argv[i + 2], 1, 8192, o.height))
+        {
+            error = std::string("bad ") + sizeWhat + " size '" + argv[i + 1] + " " + argv[i + 2] +
+                    "' (1 to 8192 each)";
+            return false;
+        }
+        i += 2;
+    }
+    else if(a == "--transfer" && need(1))
+        o.transfer = argv[++i];
+    else if(a == "--style" && need(1))
+    {
+        o.style = argv[++i];
+        const std::vector<std::string> &styles = volumeStyles();
+        if(std::find(styles.begin(), styles.end(), o.style) == styles.end())
+        {
+            error = "unknown style '" + o.style + "'";
+            return false;
+        }
+    }
+    else if(a == "--step" && need(1))
+    {
+        if(!parseFloat(argv[++i], 0.0005f, 0.5f, o.stepSize))
+        {
+            error = "bad step '" + std::string(argv[i]) + "' (0.0005 to 0.5)";
+            return false;
+        }
+    }
+    else if(a == "--mesh" && need(1))
+        o.meshFile = argv[++i];
+    else if(!a.empty() && a[0] == '-')
+    {
+        error = "unknown option '" + a + "' (or a value missing)";
+        return false;
+    }
+    else if(o.file.empty())
+        o.file = a;
+    else
+    {
+        error = "more than one volume file: '" + o.file + "' and '" + a + "'";
+        return false;
+    }
     return true;
 }
 

@@ -69,6 +69,15 @@ bool buildVolumeScene(Holder &h, const VolumeRenderOptions &options, VolumeScene
 /// new style containers are kept by h.
 void applyStyle(Holder &h, const osg::VolumeNodePtr &volume, const std::string &style);
 
+/// The words the renderer and the viewer read alike, for a word the
+/// command did not take itself: --size W H (the picture's or the window's,
+/// as sizeWhat says), --transfer FILE|NAME, --style NAME, --step S, --mesh
+/// FILE, and the volume file. i moves past the values it takes. False,
+/// with one line in error, for a bad value, an unknown option or a second
+/// volume file.
+bool parseSharedOption(int argc, char **argv, int &i, VolumeRenderOptions &options,
+                       const char *sizeWhat, std::string &error);
+
 /// The style names the renderer knows.
 const std::vector<std::string> &volumeStyles(void);
 

@@ -97,23 +97,6 @@ int renderVolumeCommand(int argc, char **argv)
             o.output   = argv[++i];
             haveOutput = true;
         }
-        else if(a == "--size" && need(2))
-        {
-            if(!corvane::parseUInt(argv[i + 1], 1, 8192, o.width) ||
-               !corvane::parseUInt(argv[i + 2], 1, 8192, o.height))
-                return volumeError("bad image size '" + std::string(argv[i + 1]) + " " +
-                                   argv[i + 2] + "' (1 to 8192 each)");
-            i += 2;
-        }
-        else if(a == "--transfer" && need(1))
-            o.transfer = argv[++i];
-        else if(a == "--style" && need(1))
-        {
-            o.style = argv[++i];
-            const std::vector<std::string> &styles = corvane::volumeStyles();
-            if(std::find(styles.begin(), styles.end(), o.style) == styles.end())
-                return volumeError("unknown style '" + o.style + "'");
-        }
         else if(a == "--traversal" && need(1))
         {
             std::string v = argv[++i];
@@ -137,11 +120,6 @@ int renderVolumeCommand(int argc, char **argv)
         }
         else if(a == "--preintegrated")
             o.preintegrated = true;
-        else if(a == "--step" && need(1))
-        {
-            if(!corvane::parseFloat(argv[++i], 0.0005f, 0.5f, o.stepSize))
-                return volumeError("bad step '" + std::string(argv[i]) + "' (0.0005 to 0.5)");
-        }
         else if(a == "--orbit" && need(1))
         {
             if(!corvane::parseUInt(argv[++i], 1, 3600, o.frames))
@@ -164,16 +142,14 @@ int renderVolumeCommand(int argc, char **argv)
         }
         else if(a == "--no-mesh")
             o.mesh = false;
-        else if(a == "--mesh" && need(1))
-            o.meshFile = argv[++i];
         else if(a == "--progress")
             o.progress = true;
-        else if(!a.empty() && a[0] == '-')
-            return volumeError("unknown option '" + a + "' (or a value missing)");
-        else if(o.file.empty())
-            o.file = a;
         else
-            return volumeError("more than one volume file: '" + o.file + "' and '" + a + "'");
+        {
+            std::string error;
+            if(!corvane::parseSharedOption(argc, argv, i, o, "image", error))
+                return volumeError(error);
+        }
     }
     if(!haveOutput)
         return volumeError("no output file (-o OUT.png)");
