@@ -102,8 +102,6 @@ struct Viewer
     std::chrono::steady_clock::time_point lastReport = std::chrono::steady_clock::now();
     bool                     shotAtEnd  = false; ///< --shot with --frames: write it after the last
     bool                     buttonHeld = false;
-    bool                     quit = false;
-    int                      exitCode = 0;
 };
 
 Viewer *viewer = NULL;
@@ -128,9 +126,11 @@ void report(bool force)
 void showScene(void)
 {
     SimpleSceneManager *manager = viewer->manager;
-    manager->showAll();
     if(viewer->scene.volume == NullFC)
+    {
+        manager->showAll();
         return;
+    }
     const Vec3f  d    = viewer->scene.extent;
     const Real32 fov  = manager->getCamera()->getFov();
     const Real32 dist = osgMax(d[0], d[1]) / (2.f * osgtan(fov / 2.f));
@@ -179,7 +179,6 @@ void display(void)
         report(true);
         if(viewer->shotAtEnd)
             screenshot();
-        viewer->quit = true;
         glutLeaveMainLoop();
     }
     // the volume viewport's first frame only sets it up: a second one shows
@@ -194,6 +193,14 @@ void reshape(int w, int h)
     glutPostRedisplay();
 }
 
+/// Fly and walk repeat their motion while a button is held; GLUT calls an
+/// idle function without pause, so there is one only then.
+void idle(void)
+{
+    viewer->manager->idle();
+    glutPostRedisplay();
+}
+
 void mouse(int button, int state, int x, int y)
 {
     if(state == GLUT_DOWN)
@@ -201,6 +208,7 @@ void mouse(int button, int state, int x, int y)
     else
         viewer->manager->mouseButtonRelease(UInt16(button), Int16(x), Int16(y));
     viewer->buttonHeld = state == GLUT_DOWN;
+    glutIdleFunc(viewer->buttonHeld ? idle : NULL);
     glutPostRedisplay();
 }
 
@@ -208,16 +216,6 @@ void motion(int x, int y)
 {
     viewer->manager->mouseMove(Int16(x), Int16(y));
     glutPostRedisplay();
-}
-
-void idle(void)
-{
-    // fly and walk repeat their motion while a button is held
-    if(viewer->buttonHeld)
-    {
-        viewer->manager->idle();
-        glutPostRedisplay();
-    }
 }
 
 /// Switches a strategy field of the volume between its two values, 1 and
@@ -242,7 +240,6 @@ void keyboard(unsigned char key, int, int)
     {
         case 27:
         case 'q':
-            viewer->quit = true;
             glutLeaveMainLoop();
             return;
         case '1': case '2': case '3': case '4': case '5':
@@ -289,10 +286,6 @@ void keyboard(unsigned char key, int, int)
     glutPostRedisplay();
 }
 
-void closed(void)
-{
-    viewer->quit = true;
-}
 
 } // namespace
 
@@ -397,8 +390,6 @@ int viewCommand(int argc, char **argv)
     glutMouseFunc(mouse);
     glutMotionFunc(motion);
     glutKeyboardFunc(keyboard);
-    glutIdleFunc(idle);
-    glutCloseFunc(closed);
 
     if(view.frames == 0)
         fputs("left drag turns, middle pans, right zooms; 1-5 style, t traversal, r rays, "
@@ -413,7 +404,7 @@ int viewCommand(int argc, char **argv)
     delete view.manager;
     if(glutGetWindow() != 0)
         glutDestroyWindow(id);
-    return view.exitCode;
+    return 0;
 }
 
 } // namespace corvane
