@@ -21,6 +21,9 @@ struct TexGenCoordinate
     GLenum  func;
     Vec4f   plane;
     NodePtr beacon;
+
+    /// Generation is on for this coordinate: a function or a beacon.
+    bool generates(void) const { return func != GL_NONE || beacon != NullFC; }
 };
 
 void texGenCoordinates(const TexGenChunk &c, TexGenCoordinate out[4])
@@ -134,9 +137,7 @@ void TexGenChunk::changeFrom(DrawActionBase *action, StateChunk *old, UInt32 uni
     TextureChunk::activateTexture(win, UInt16(unit));
     for(UInt32 i = 0; i < 4; ++i)
     {
-        const bool used    = mine[i].func != GL_NONE || mine[i].beacon != NullFC;
-        const bool oldUsed = theirs[i].func != GL_NONE || theirs[i].beacon != NullFC;
-        if(oldUsed && !used)
+        if(theirs[i].generates() && !mine[i].generates())
             glDisable(mine[i].enable);
     }
     activate(action, unit);
@@ -154,7 +155,7 @@ void TexGenChunk::deactivate(DrawActionBase *action, UInt32 unit)
     texGenCoordinates(*this, cs);
     for(const TexGenCoordinate &c : cs)
     {
-        if(c.func != GL_NONE || c.beacon != NullFC)
+        if(c.generates())
             glDisable(c.enable);
     }
 
